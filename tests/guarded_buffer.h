@@ -1,0 +1,51 @@
+// Memory with an inaccessible page on both sides: a buffer placed at the end of it
+// faults on the first byte read or written behind, one at the start on the first
+// before.
+#ifndef ZELM_TESTS_GUARDED_BUFFER_H
+#define ZELM_TESTS_GUARDED_BUFFER_H
+
+#include <stddef.h>
+#include <stdint.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+class GuardedBuffer {
+ public:
+  enum class Guard { kBehind, kBefore };
+
+  GuardedBuffer() = default;
+  GuardedBuffer(const GuardedBuffer&) = delete;
+  GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+  ~GuardedBuffer() { release(); }
+
+  // `size` bytes touching a guard; what an earlier call returned is gone.
+  uint8_t* place(size_t size, Guard guard) {
+    const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    if (size > capacity_ || mapping_ == nullptr) {
+      release();
+      capacity_ = (size / page + 1) * page;
+      mapped_ = capacity_ + 2 * page;
+      void* all = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+      if (all == MAP_FAILED) throw std::runtime_error("mmap");
+      mapping_ = static_cast<uint8_t*>(all);
+      if (mprotect(mapping_ + page, capacity_, PROT_READ | PROT_WRITE) != 0) {
+        throw std::runtime_error("mprotect");
+      }
+    }
+    uint8_t* start = mapping_ + page;
+    return guard == Guard::kBefore ? start : start + (capacity_ - size);
+  }
+
+ private:
+  void release() {
+    if (mapping_ != nullptr) munmap(mapping_, mapped_);
+    mapping_ = nullptr;
+  }
+
+  uint8_t* mapping_ = nullptr;
+  size_t mapped_ = 0, capacity_ = 0;
+};
+
+#endif  // ZELM_TESTS_GUARDED_BUFFER_H

@@ -1,0 +1,58 @@
+// The table of all stages and the calls each of them is tried with.
+#ifndef ZELM_TESTS_STAGES_H
+#define ZELM_TESTS_STAGES_H
+
+#include "harness.h"
+
+namespace harness {
+
+enum class Layout {
+  kLuma,           // one plane of a byte per sample
+  kSemi420,        // chroma at uvOffset
+  kSemi420Packed,  // chroma at width * height
+  kSemi422,
+  kPlanarRead,
+  kPlanarWritten,
+  kPacked2,
+  kPacked3,
+  kPacked4,
+  kTiledRead,
+  kTiledWritten,
+  kBlock3  // three bytes per pixel, the region alone
+};
+
+// How the sizes of the two regions depend on each other.
+enum class Fit {
+  kSame,           // equal, even
+  kSameAny,        // equal, odd ones as well
+  kTurned,         // width and height exchanged, odd ones as well
+  kFrame,          // equal frames, regions without effect
+  kTiles,          // equal frames, region origins without effect
+  kWholeGroups,    // odd source widths lose a column
+  kDoubledLast,    // odd source widths gain a column
+  kBox2,           // source at least twice as large
+  kBox4,           // source at least four times as large
+  kScaledSamples,  // any two sizes
+  kScaledPairs     // any two sizes in chroma pairs
+};
+
+struct Stage {
+  const char* name;
+  StageFunction product, expected;
+  Layout src, dst;
+  Fit fit;
+  uint64_t digest;  // of all that the library writes in the cases below
+};
+
+struct Case {
+  Frame dst, src;
+  Content content;
+  uint32_t seed;
+};
+
+const std::vector<Stage>& stages();
+std::vector<Case> casesOf(const Stage& stage);
+
+}  // namespace harness
+
+#endif  // ZELM_TESTS_STAGES_H
