@@ -1,0 +1,199 @@
+// The main pipeline: scales a region and converts it.
+#include "frame.h"
+#include "pipeline/methods.h"
+#include "plane.h"
+#include "zelm_imageutil.h"
+
+namespace {
+
+using zelm::Stage;
+
+// One call: its own copies of the records, validated.
+struct Call {
+  ImageStruct src;
+  ImageStruct dst;
+  int lumaMethod;
+  int chromaMethod;
+  int reserved;
+};
+
+// What turns semi-planar 4:2:0 into the destination's format.
+struct Converter {
+  uint32_t to;
+  Stage fromUV;  // source FORMAT_YUV420SP
+  Stage fromVU;  // source FORMAT_YUV420SPVU
+};
+
+constexpr Converter kConverters[] = {
+    {FORMAT_YUV420SP, convYUV420SP_YUV420SP, convYUV420SP_VU2UV},
+    {FORMAT_YUV420SPVU, convYUV420SP_VU2UV, convYUV420SP_YUV420SP},
+    {FORMAT_YUV422SP, convYUV420SP_YUV422SP, convYUV420SP_YUV422SP_VU2UV},
+    {FORMAT_YUV422SPVU, convYUV420SP_YUV422SP_VU2UV, convYUV420SP_YUV422SP},
+    {FORMAT_RGB565, convYUV420SP_RGB565, convYUV420SP_RGB565},
+    {FORMAT_RGB888, convYUV420SP_RGB888, convYUV420SP_RGB888},
+    {FORMAT_RGBA8888, convYUV420SP_RGBA8888, convYUV420SP_RGBA8888},
+    {FORMAT_YUV420SPMB, nullptr, convYUV420SPVU_YUV420SPMB},
+};
+
+Stage findConverter(uint32_t from, uint32_t to) {
+  for (const Converter& converter : kConverters) {
+    if (converter.to != to) continue;
+    return from == FORMAT_YUV420SP ? converter.fromUV : converter.fromVU;
+  }
+  return nullptr;
+}
+
+// Between planar and semi-planar: whole frames of the same geometry.
+int convertPlanar(Call& call) {
+  ImageStruct &src = call.src, &dst = call.dst;
+  if (src.width != dst.width || src.height != dst.height || src.roiX != dst.roiX ||
+      src.roiY != dst.roiY || !zelm::sameRegionSize(src, dst)) {
+    return RESULT_GEOMETRY_MISMATCH;
+  }
+  if (src.format == FORMAT_YUV420P) {
+    convYUV420P_YUV420SP(&dst, &src);
+  } else {
+    convYUV420SP_YUV420P(&dst, &src);
+  }
+  return RESULT_OK;
+}
+
+int convertSameSize(Call& call) {
+  const Stage convert = findConverter(call.src.format, call.dst.format);
+  if (convert == nullptr) return RESULT_UNSUPPORTED_CONVERSION;
+  convert(&call.dst, &call.src);
+  return RESULT_OK;
+}
+
+// Box averages while the source is at least twice as large as the destination:
+// by 4, and by 2 for a last odd halving. `working` ends as the frame to be scaled;
+// its buffer is one of `frames`, or still the source's.
+int reduce(ImageStruct* working, zelm::Frame (&frames)[2], int halvings) {
+  for (int i = 0; halvings > 0; i ^= 1) {
+    const int shift = halvings == 1 ? 1 : 2;
+    ImageStruct& reduced = frames[i].record;
+    reduced = *working;
+    reduced.width = static_cast<uint16_t>(working->roiWidth >> shift);
+    reduced.height = static_cast<uint16_t>(working->roiHeight >> shift);
+    zelm::setRegion(&reduced, 0, 0, reduced.width, reduced.height);
+    reduced.uvOffset = static_cast<uint32_t>(zelm::lumaBytes(reduced));
+    if (!frames[i].allocate(zelm::lumaBytes(reduced))) return RESULT_NO_MEMORY;
+    if (shift == 1) {
+      resize_averageOfPixel2_420LP(&reduced, working);
+    } else {
+      resize_averageOfPixel4_420LP(&reduced, working);
+    }
+    frames[i ^ 1].release();
+    *working = reduced;
+    halvings -= shift;
+  }
+  return RESULT_OK;
+}
+
+// A tiled frame is written whole, so what its region leaves out is read back first.
+int readBackTiled(ImageStruct* target, const ImageStruct& dst) {
+  const uint64_t chroma = zelm::tiledLumaBytes(dst.width, dst.height);
+  if (chroma > UINT32_MAX) return RESULT_NO_MEMORY;
+  ImageStruct tiled = dst;
+  tiled.uvOffset = static_cast<uint32_t>(chroma);
+  zelm::setRegion(&tiled, 0, 0, dst.width, dst.height);
+  convYUV420SPMB_YUV420SPVU(target, &tiled);
+  return RESULT_OK;
+}
+
+// Reduces, scales in the source's format, converts.
+int scale(Call& call) {
+  ImageStruct &src = call.src, &dst = call.dst;
+  if (zelm::emptyRegion(dst)) return RESULT_OK;
+  if (zelm::emptyRegion(src)) return RESULT_BAD_ROI;
+
+  zelm::Frame reduced[2];
+  ImageStruct working = src;
+  if (const int code = reduce(&working, reduced, getReductionRate(&dst, &src))) {
+    return code;
+  }
+  if (src.format == dst.format) {
+    return zelm::scaleFrame(&dst, &working, call.lumaMethod, call.chromaMethod);
+  }
+
+  // The target holds the destination's region alone, or a whole tiled frame.
+  const bool tiled = dst.format == FORMAT_YUV420SPMB;
+  zelm::Frame scaled;
+  ImageStruct& target = scaled.record;
+  target = dst;
+  target.format = src.format;
+  if (!tiled) {
+    target.width = dst.roiWidth;
+    target.height = dst.roiHeight;
+    zelm::setRegion(&target, 0, 0, dst.roiWidth, dst.roiHeight);
+  }
+  target.uvOffset = static_cast<uint32_t>(zelm::lumaBytes(dst));
+  if (!scaled.allocate(zelm::lumaBytes(dst))) return RESULT_NO_MEMORY;
+  if (tiled && !zelm::isWholeFrame(dst)) {
+    if (const int code = readBackTiled(&target, dst)) return code;
+  }
+  if (const int code =
+          zelm::scaleFrame(&target, &working, call.lumaMethod, call.chromaMethod)) {
+    return code;
+  }
+
+  const Stage convert = findConverter(src.format, dst.format);
+  if (convert == nullptr) return RESULT_BAD_FORMAT;
+  if (tiled) {
+    zelm::setRegion(&dst, 0, 0, dst.width, dst.height);
+    zelm::setRegion(&target, 0, 0, target.width, target.height);
+  }
+  convert(&dst, &target);
+  return RESULT_OK;
+}
+
+int convertOrScale(Call& call) {
+  return zelm::sameRegionSize(call.src, call.dst) ? convertSameSize(call) : scale(call);
+}
+
+int convertFirst(Call& call) {
+  return Zelm_Convert_and_Resize(call.src, call.dst, call.lumaMethod, call.chromaMethod,
+                                 call.reserved);
+}
+
+int badFormat(Call&) { return RESULT_BAD_FORMAT; }
+int unsupported(Call&) { return RESULT_UNSUPPORTED_CONVERSION; }
+
+constexpr uint32_t kAny = ~0u;
+constexpr uint32_t kSemiPlanar = FORMAT_YUV420SP | FORMAT_YUV420SPVU;
+constexpr uint32_t kConvertedFirst =
+    FORMAT_YUV422IUYVY | FORMAT_RGB565 | FORMAT_YUV420SPMB;
+
+// Formats are one bit each, so a row names sets of them. The first row that
+// matches applies.
+struct Route {
+  uint32_t from;
+  uint32_t to;
+  int (*run)(Call&);
+};
+
+constexpr Route kRoutes[] = {
+    {FORMAT_YUV420P, FORMAT_YUV420SPVU, convertPlanar},
+    {FORMAT_YUV420P, kAny, badFormat},
+    {FORMAT_YUV420SPVU, FORMAT_YUV420P, convertPlanar},
+    {FORMAT_YUV420SPVU, FORMAT_YUV420SPMB, scale},
+    {FORMAT_YUV420SP, FORMAT_YUV420SPMB, unsupported},
+    {kSemiPlanar, kAny, convertOrScale},
+    {kConvertedFirst, FORMAT_YUV420SPVU, convertFirst},
+    {kConvertedFirst, kAny, unsupported},
+    {kAny, kAny, badFormat},
+};
+
+}  // namespace
+
+extern "C" int16_t Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst,
+                                           int lumaMethod, int chromaMethod,
+                                           int reserved) {
+  if (const int code = checkStruct(&src)) return static_cast<int16_t>(code);
+  if (const int code = checkStruct(&dst)) return static_cast<int16_t>(code);
+
+  Call call = {src, dst, lumaMethod, chromaMethod, reserved};
+  const Route* route = kRoutes;
+  while ((route->from & src.format) == 0 || (route->to & dst.format) == 0) ++route;
+  return static_cast<int16_t>(route->run(call));
+}

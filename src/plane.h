@@ -1,0 +1,60 @@
+// Where a region lies in a plane: the only place that does this sum.
+#ifndef ZELM_SRC_PLANE_H_
+#define ZELM_SRC_PLANE_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include "zelm_imageutil.h"
+
+namespace zelm {
+
+// A rectangle of samples in memory. A sample is one luma byte, one chroma pair
+// or one packed pixel; `stride` is the distance of two rows in bytes.
+struct Region {
+  uint8_t* origin;
+  size_t stride;
+  size_t columns;
+  size_t rows;
+
+  uint8_t* row(size_t y) const { return origin + y * stride; }
+  bool empty() const { return columns == 0 || rows == 0; }
+};
+
+// Luma, and every format with one plane: `bytes` bytes per pixel.
+inline Region packedRegion(const ImageStruct& image, size_t bytes) {
+  const ptrdiff_t stride = static_cast<ptrdiff_t>(image.width * bytes);
+  return {image.data + image.roiY * stride + image.roiX * static_cast<ptrdiff_t>(bytes),
+          static_cast<size_t>(stride), image.roiWidth, image.roiHeight};
+}
+
+inline Region lumaRegion(const ImageStruct& image) { return packedRegion(image, 1); }
+
+// Interleaved 4:2:0 chroma that starts `offset`
+// bytes into the buffer. The region's column is a byte position: it is even, so
+// it names a whole pair.
+inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
+  const ptrdiff_t stride = image.width;
+  return {image.data + offset + (image.roiY >> 1) * stride + image.roiX,
+          static_cast<size_t>(stride), static_cast<size_t>(image.roiWidth >> 1),
+          static_cast<size_t>(image.roiHeight >> 1)};
+}
+
+// Chroma of a semi-planar 4:2:0 frame.
+inline Region chromaRegion(const ImageStruct& image) {
+  return chromaRegionAt(image, image.uvOffset);
+}
+
+// Bytes of the luma plane; the multiplication cannot overflow in 64 bits.
+inline uint64_t lumaBytes(const ImageStruct& image) {
+  return static_cast<uint64_t>(image.width) * image.height;
+}
+
+// Bytes of tiled luma: edge tiles are stored whole.
+inline uint64_t tiledLumaBytes(uint32_t width, uint32_t height) {
+  return uint64_t{256} * ((width + 15) / 16) * ((height + 15) / 16);
+}
+
+}  // namespace zelm
+
+#endif  // ZELM_SRC_PLANE_H_

@@ -1,0 +1,45 @@
+// Where the samples of a destination axis lie on the source axis. The mapping is
+// corner-aligned: first on first, last on last, evenly in between. Positions have
+// 32 fraction bits.
+#ifndef ZELM_SRC_RESIZE_AXIS_H_
+#define ZELM_SRC_RESIZE_AXIS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zelm {
+
+struct Axis {
+  uint64_t step;  // source distance of two destination samples
+  size_t last;    // the last source index
+
+  Axis(size_t from, size_t to) : step(0), last(from - 1) {
+    if (to <= 1) return;
+    const double ratio = static_cast<double>(static_cast<int32_t>(from - 1)) /
+                         static_cast<double>(static_cast<int32_t>(to - 1));
+    step = static_cast<uint64_t>(0.5 + ratio * 4294967296.0);
+  }
+
+  size_t clamp(size_t index) const { return index < last ? index : last; }
+
+  // The nearest sample.
+  size_t nearest(size_t i) const {
+    return clamp(static_cast<size_t>((UINT64_C(0x80000000) + i * step) >> 32));
+  }
+
+  // The sample at or before the position, and the position's distance from it in
+  // 1/256, rounded: 0 to 256.
+  size_t before(size_t i) const { return static_cast<size_t>((i * step) >> 32); }
+  unsigned weight(size_t i) const {
+    const uint64_t fraction = (i * step) & 0xFFFFFFFF;
+    return static_cast<unsigned>((fraction + (1 << 23)) >> 24);
+  }
+};
+
+// Destination columns are taken in strips, so that tables and filtered rows fit on
+// a small stack.
+constexpr size_t kStripColumns = 1024;
+
+}  // namespace zelm
+
+#endif  // ZELM_SRC_RESIZE_AXIS_H_
