@@ -2,6 +2,8 @@
 #ifndef ZELM_TESTS_STAGES_H
 #define ZELM_TESTS_STAGES_H
 
+#include <ostream>
+
 #include "harness.h"
 
 namespace harness {
@@ -43,6 +45,8 @@ struct Stage {
   Fit fit;
   uint64_t digest;  // of all that the library writes in the cases below
 };
+
+inline void PrintTo(const Stage& stage, std::ostream* out) { *out << stage.name; }
 
 struct Case {
   Frame dst, src;
