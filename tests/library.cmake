@@ -11,7 +11,7 @@ zelm_warnings(zelm_test_reference)
 # the tests start with the prefix.
 function(zelm_library_tests prefix objects)
   set(test ${prefix}_test)
-  add_executable(${test} harness.cc stages.cc stage_test.cc)
+  add_executable(${test} harness.cc stages.cc stage_test.cc values_test.cc pipeline_test.cc)
   zelm_warnings(${test})
   target_link_libraries(${test} PRIVATE
     ${objects} zelm_test_reference GTest::gtest_main Threads::Threads m)

@@ -1,0 +1,338 @@
+// The pipelines: result codes, bytes, and the order in which errors are found.
+#include <gtest/gtest.h>
+
+#include "harness.h"
+
+namespace harness {
+namespace {
+
+const uint32_t kFormats[] = {FORMAT_YUV420P,   FORMAT_YUV420SP,   FORMAT_YUV420SPVU,
+                             FORMAT_YUV422SP,  FORMAT_YUV422SPVU, FORMAT_YUV422IUYVY,
+                             FORMAT_RGB565,    FORMAT_RGB888,     FORMAT_RGBA8888,
+                             FORMAT_YUV420SPMB};
+
+// A frame of that size, the region to be set; for an impossible size an empty one.
+Frame makeFrame(uint32_t format, int width, int height, size_t gap = 0) {
+  const ZelmFrameLayout layout = zelmFrameLayout(format, static_cast<uint32_t>(width),
+                                                 static_cast<uint32_t>(height));
+  Frame f{zelmWholeFrame(format, static_cast<uint32_t>(width),
+                         static_cast<uint32_t>(height), nullptr),
+          layout.size, static_cast<size_t>(width), layout.uvOffset};
+  f.stride *= format == FORMAT_RGBA8888                                 ? 4
+              : format == FORMAT_RGB888                                 ? 3
+              : format == FORMAT_RGB565 || format == FORMAT_YUV422IUYVY ? 2
+                                                                        : 1;
+  if (f.bytes == 0) f.bytes = 4;
+  if (f.stride == 0) f.stride = 1;
+  if (f.chroma == 0) f.chroma = f.bytes;
+  f.bytes += gap;
+  f.chroma += gap;
+  f.record.uvOffset += static_cast<uint32_t>(gap);
+  return f;
+}
+
+Frame region(Frame frame, int x, int y, int w, int h) {
+  frame.record.roiX = x;
+  frame.record.roiY = y;
+  frame.record.roiWidth = static_cast<uint16_t>(w);
+  frame.record.roiHeight = static_cast<uint16_t>(h);
+  return frame;
+}
+
+Call resizeAndConvert(int luma, int chroma) {
+  return {"Zelm_Resize_and_Convert, methods " + std::to_string(luma) + " and " +
+              std::to_string(chroma),
+          [=](ImageStruct* d, ImageStruct* s) {
+            return int{Zelm_Resize_and_Convert(*s, *d, luma, chroma, -1)};
+          },
+          [=](ImageStruct* d, ImageStruct* s) {
+            return reference::Zelm_Resize_and_Convert(*s, *d, luma, chroma);
+          }};
+}
+
+Call convertAndResize(int luma, int chroma) {
+  return {"Zelm_Convert_and_Resize, methods " + std::to_string(luma) + " and " +
+              std::to_string(chroma),
+          [=](ImageStruct* d, ImageStruct* s) {
+            return Zelm_Convert_and_Resize(*s, *d, luma, chroma, 7);
+          },
+          [=](ImageStruct* d, ImageStruct* s) {
+            return reference::Zelm_Convert_and_Resize(*s, *d, luma, chroma);
+          }};
+}
+
+Call rotateAndConvert(int mode, int rotation) {
+  return {"Zelm_Rotate_and_Convert, mode " + std::to_string(mode) + ", rotation " +
+              std::to_string(rotation),
+          [=](ImageStruct* d, ImageStruct* s) {
+            return int{Zelm_Rotate_and_Convert(*s, *d, mode, rotation)};
+          },
+          [=](ImageStruct* d, ImageStruct* s) {
+            return reference::Zelm_Rotate_and_Convert(*s, *d, mode, rotation);
+          }};
+}
+
+// The call must give this code, and the reference's bytes with it.
+void expectCode(Call call, const Frame& dst, const Frame& src, int code) {
+  const auto expected = call.expected;
+  int given = 1;
+  call.expected = [&](ImageStruct* d, ImageStruct* s) {
+    return given = expected(d, s);
+  };
+  EXPECT_TRUE(compare(call, dst, src, kRandom, 5));
+  EXPECT_EQ(given, code) << call.name << ": destination " << describe(dst.record)
+                         << "; source " << describe(src.record);
+}
+
+// Source formats downwards, destination formats across, in the order of kFormats;
+// digits are negative codes.
+const char* const kEqualSizes[] = {
+    "4404444444", "5000050005", "0000050000", "4444444444", "4444444444",
+    "5505555555", "5505555555", "4444444444", "4444444444", "5505555555"};
+const char* const kOtherSizes[] = {
+    "4464444444", "4000040005", "6000040000", "4444444444", "4444444444",
+    "5505555555", "5505555555", "4444444444", "4444444444", "5505555555"};
+
+TEST(Pipeline, FormatTable) {
+  struct {
+    int srcW, srcH, dstW, dstH;
+    const char* const* codes;
+  } const sizes[] = {{32, 16, 32, 16, kEqualSizes},
+                     {32, 32, 20, 12, kOtherSizes},
+                     {64, 48, 16, 12, kOtherSizes},
+                     {22, 10, 48, 34, kOtherSizes}};
+  for (const auto& size : sizes) {
+    for (int from = 0; from < 10; ++from) {
+      for (int to = 0; to < 10; ++to) {
+        const Frame src = makeFrame(kFormats[from], size.srcW, size.srcH);
+        const Frame dst = makeFrame(kFormats[to], size.dstW, size.dstH);
+        for (int methods = 0; methods < 36; ++methods) {
+          const int luma = methods / 6, chroma = methods % 6;
+          if (luma >= 2 && luma <= 4 && chroma >= 2 && chroma <= 4) {
+            expectCode(resizeAndConvert(luma, chroma), dst, src,
+                       '0' - size.codes[from][to]);
+          } else {
+            EXPECT_TRUE(compare(resizeAndConvert(luma, chroma), dst, src, kRandom, 6));
+          }
+        }
+        if (HasFailure()) return;
+      }
+    }
+  }
+}
+
+TEST(Pipeline, OrderOfErrors) {
+  const uint32_t sp = FORMAT_YUV420SP, vu = FORMAT_YUV420SPVU, mb = FORMAT_YUV420SPMB;
+  const Frame good = makeFrame(sp, 32, 16), smaller = makeFrame(sp, 16, 16);
+  const Frame badSize = region(makeFrame(sp, 31, 16), 40, 0, 2, 2);
+  Frame badRegion = region(good, 0, 0, 34, 2), badFormat = good;
+  badRegion.record.format = badFormat.record.format = 8;
+  const Frame empty = region(good, 4, 4, 1, 8),
+              emptyVu = region(makeFrame(vu, 32, 16), 2, 2, 8, 1);
+  const Frame planar = makeFrame(FORMAT_YUV420P, 32, 16);
+  const Frame words = makeFrame(FORMAT_RGB565, 32, 16), tiles = makeFrame(mb, 32, 16);
+  const Frame noWords = region(words, 2, 2, 0, 8), noTiles = region(tiles, 2, 2, 8, 0);
+  const Frame whole = makeFrame(vu, 32, 16), half = makeFrame(vu, 16, 8);
+  struct {
+    Frame src, dst;
+    int luma, chroma, code;
+  } const table[] = {
+      // The source's errors first, and size before region before format.
+      {badSize, badFormat, 2, 2, -2},
+      {badFormat, badSize, 2, 2, -4},
+      {badRegion, badSize, 2, 2, -3},
+      {good, badSize, 2, 2, -2},
+      {good, badRegion, 0, 0, -3},
+      {good, badFormat, 0, 0, -4},
+      // Regions of equal size and planar frames: methods do not matter.
+      {good, good, 0, 99, 0},
+      {empty, region(makeFrame(FORMAT_RGB888, 40, 40), 6, 6, 0, 8), 0, 0, 0},
+      {planar, whole, 0, 0, 0},
+      {planar, region(whole, 2, 0, 30, 16), 2, 2, -6},
+      {planar, region(whole, 0, 0, 32, 14), 2, 2, -6},
+      {region(planar, 2, 2, 4, 6), region(whole, 2, 2, 5, 7), 2, 2, 0},
+      {planar, makeFrame(vu, 32, 18), 2, 2, -6},
+      // Scaling: the empty destination, the empty source, luma, chroma, the format.
+      {good, emptyVu, 0, 0, 0},
+      {good, region(planar, 0, 0, 0, 4), 0, 0, 0},
+      {empty, smaller, 0, 0, -3},
+      {empty, region(planar, 0, 0, 4, 4), 0, 0, -3},
+      {empty, region(good, 0, 0, 8, 0), 0, 0, 0},
+      {good, smaller, 1, 1, -7},
+      {good, smaller, 5, 2, -7},
+      {good, smaller, 2, 5, -8},
+      {good, region(smaller, 2, 2, 12, 12), 3, -1, -8},
+      {good, makeFrame(vu, 8, 8), 4, 0, -8},
+      {good, region(planar, 0, 0, 8, 8), 2, 1, -8},
+      {good, region(planar, 0, 0, 8, 8), 2, 2, -4},
+      {whole, tiles, 1, 2, -7},
+      {whole, tiles, 2, 1, -8},
+      {emptyVu, tiles, 1, 2, -3},
+      {whole, noTiles, 1, 2, 0},
+      // Handed on.
+      {words, whole, 0, 0, 0},
+      {words, half, 1, 1, -7},
+      {words, half, 2, 1, -8},
+      {noWords, half, 1, 1, -3},
+      {words, emptyVu, 1, 1, -7},
+      {words, emptyVu, 2, 2, 0},
+      {noWords, emptyVu, 1, 1, -7},
+      {noWords, region(whole, 4, 4, 0, 8), 1, 1, 0},
+      {tiles, whole, 0, 0, 0},
+      {tiles, region(whole, 0, 0, 32, 14), 1, 2, -7},
+      {region(tiles, 0, 0, 16, 8), half, 1, 2, -7},
+      {region(tiles, 16, 8, 16, 8), half, 4, 4, 0},
+      {noTiles, half, 1, 2, -3},
+      {noTiles, region(half, 0, 0, 8, 0), 2, 2, 0},
+  };
+  for (const auto& t : table)
+    expectCode(resizeAndConvert(t.luma, t.chroma), t.dst, t.src, t.code);
+
+  // Called directly, a foreign source is found before its empty region.
+  expectCode(convertAndResize(2, 2), half, good, -4);
+  expectCode(convertAndResize(2, 2), whole, good, -4);
+  expectCode(convertAndResize(0, 0), half, empty, -4);
+
+  ImageStruct none = good.record, other = good.record;
+  EXPECT_EQ(Zelm_Resize_and_Convert(none, badFormat.record, 2, 2, 0), RESULT_NULL);
+  EXPECT_EQ(Zelm_Rotate_and_Convert(none, other, 1, 0), RESULT_NULL);
+  none.format = 8;
+  EXPECT_EQ(Zelm_Rotate_and_Convert(none, other, 1, 0), RESULT_NULL);
+  none.format = FORMAT_RGB565;
+  EXPECT_EQ(Zelm_Rotate_and_Convert(none, other, 1, 0), RESULT_BAD_FORMAT);
+  EXPECT_EQ(Zelm_Rotate_and_Convert(other, none, 1, 0), RESULT_BAD_FORMAT);
+}
+
+TEST(Pipeline, ChromaErrorLeavesLuma) {
+  Bytes in(32 * 24, 50), out(16 * 24, 7);
+  const ImageStruct src = zelmWholeFrame(FORMAT_YUV420SP, 32, 16, in.data());
+  const ImageStruct dst = zelmWholeFrame(FORMAT_YUV420SP, 16, 16, out.data());
+  EXPECT_EQ(Zelm_Resize_and_Convert(src, dst, 2, 5, 0), RESULT_BAD_CHROMA_METHOD);
+  Bytes expected(16 * 16, 50);
+  expected.resize(out.size(), 7);
+  EXPECT_EQ(out, expected);
+}
+
+TEST(Pipeline, Rotations) {
+  for (int rotation = -1; rotation <= 5; ++rotation) {
+    for (int mode : {1, 0, 2}) {
+      const Frame src = region(makeFrame(FORMAT_YUV420SP, 48, 30), 3, 2, 41, 24);
+      const Frame tall = region(makeFrame(FORMAT_YUV422SP, 30, 48), 4, 3, 24, 40);
+      const Frame wide = region(makeFrame(FORMAT_YUV420P, 44, 34), 2, 8, 41, 24);
+      EXPECT_TRUE(compare(rotateAndConvert(mode, rotation), tall, src, kRandom, 1));
+      EXPECT_TRUE(compare(rotateAndConvert(mode, rotation), wide, src, kRandom, 2));
+    }
+  }
+  for (uint32_t from : kFormats) {
+    for (uint32_t to : kFormats) {
+      const bool luma = from <= FORMAT_YUV422SPVU && to <= FORMAT_YUV422SPVU;
+      expectCode(rotateAndConvert(1, 1), makeFrame(to, 8, 18), makeFrame(from, 18, 8),
+                 luma ? 0 : -4);
+    }
+  }
+}
+
+// Mostly valid records of all formats, sizes and regions.
+class Records {
+ public:
+  explicit Records(uint32_t seed) : random_(seed) {}
+  int below(int limit) { return random_.below(limit); }
+  bool rarely() { return below(25) == 0; }
+  int side() {
+    const int even = 2 + 2 * below(below(4) == 0 ? 52 : 20);
+    return rarely() ? below(5) : even;
+  }
+  Frame frame(uint32_t format) {
+    const int w = side(), h = side();
+    Frame f = makeFrame(format, w, h, below(3) == 0 ? below(9) : 0);
+    if (below(3) == 0) return f;
+    const int x = below(w + 1), y = below(h + 1);
+    const int rw = below(w - x + 1), rh = below(h - y + 1);
+    f = region(f, x, y, rarely() ? below(120) : rw, rarely() ? below(120) : rh);
+    if (rarely()) f.record.roiX = below(140) - 20;
+    return f;
+  }
+  // Often what the source's region fits into.
+  Frame beside(uint32_t format, const Frame& src) {
+    if (below(3) != 0) return frame(format);
+    Frame f = makeFrame(format, src.record.width, src.record.height);
+    const ImageStruct& s = src.record;
+    f = region(f, s.roiX, s.roiY, s.roiWidth, s.roiHeight);
+    if (below(3) == 0) f.record.roiX = f.record.roiY = 0;
+    return f;
+  }
+  uint32_t format() { return kFormats[below(10)]; }
+  int method() { return rarely() ? below(7) - 1 : 2 + below(3); }
+
+ private:
+  Random random_;
+};
+
+TEST(Pipeline, RandomResizeAndConvert) {
+  Records records(11);
+  int good = 0;
+  for (uint32_t i = 0; i < 6000; ++i) {
+    // Three out of four pairs of formats have a route.
+    const bool useful = records.below(4) != 0;
+    const uint32_t from = useful ? kFormats[1 + records.below(2)] : records.format();
+    Frame src = records.frame(from);
+    Frame dst = records.beside(
+        records.below(3) == 0 ? kFormats[2] : records.format(), src);
+    if (records.rarely()) dst.record.format ^= 1u << records.below(26);
+    if (zelmFrameLayout(dst.record.format, dst.record.width, dst.record.height).size >
+        dst.bytes) {
+      continue;
+    }
+    Call call = resizeAndConvert(records.method(), records.method());
+    const auto expected = call.expected;
+    call.expected = [&](ImageStruct* d, ImageStruct* s) {
+      const int code = expected(d, s);
+      good += code == 0 ? 1 : 0;
+      return code;
+    };
+    ASSERT_TRUE(compare(call, dst, src, kRandom, i));
+  }
+  EXPECT_GT(good, 2000);
+}
+
+TEST(Pipeline, RandomConvertAndResize) {
+  Records records(12);
+  const uint32_t from[] = {FORMAT_YUV422IUYVY, FORMAT_RGB565, FORMAT_YUV420SPMB};
+  uint8_t byte = 0;
+  for (uint32_t i = 0; i < 4000; ++i) {
+    Frame src =
+        records.frame(records.rarely() ? records.format() : from[records.below(3)]);
+    Frame dst = records.beside(FORMAT_YUV420SPVU, src);
+    if (i % 2 == 0) {  // by way of the other pipeline, which checks the records
+      ASSERT_TRUE(compare(resizeAndConvert(records.method(), records.method()), dst,
+                          src, kRandom, i));
+      continue;
+    }
+    src.record.data = dst.record.data = &byte;
+    if (reference::checkStruct(&src.record) != 0) continue;
+    if (reference::checkStruct(&dst.record) != 0) continue;
+    dst.record.format = records.format();  // of no importance
+    ASSERT_TRUE(compare(convertAndResize(records.method(), records.method()), dst, src,
+                        kRandom, i));
+  }
+}
+
+TEST(Pipeline, RandomRotateAndConvert) {
+  Records records(13);
+  for (uint32_t i = 0; i < 4000; ++i) {
+    const Frame src = records.frame(kFormats[records.below(records.rarely() ? 10 : 5)]);
+    Frame dst = records.beside(kFormats[records.below(records.rarely() ? 10 : 5)], src);
+    const ImageStruct s = src.record;
+    if (records.below(2) == 0) {
+      dst = region(makeFrame(FORMAT_YUV420SP, s.height, s.width), s.roiY, s.roiX,
+                   s.roiHeight, s.roiWidth);
+    }
+    const int rotations[] = {0, 1, 2, 4, 3};
+    const int rotation = rotations[records.below(records.rarely() ? 5 : 4)];
+    ASSERT_TRUE(compare(rotateAndConvert(records.rarely() ? 0 : 1, rotation), dst, src,
+                        kRandom, i));
+  }
+}
+
+}  // namespace
+}  // namespace harness
