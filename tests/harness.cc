@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "guarded_buffer.h"
+#include "memory.h"
 
 namespace harness {
 namespace {
@@ -103,7 +104,11 @@ bool compare(const Call& call, const Frame& dst, const Frame& src, Content conte
     records[0].data = out;
     records[1].data = in;
     memcpy(static_cast<void*>(kept), records, sizeof records);
+    const bool behind = guard == GuardedBuffer::Guard::kBehind;
+    memory::State& heap = memory::state();
+    heap = {true, heap.refuse, static_cast<uint8_t>(behind ? 0x3C : 0xD7), 0, 0};
     const int code = call.product(&records[0], &records[1]);
+    heap.watching = false;
     const Bytes actual(out, out + dst.bytes);
 
     std::ostringstream wrong;
@@ -118,13 +123,12 @@ bool compare(const Call& call, const Frame& dst, const Frame& src, Content conte
     }
     if (memcmp(in, input.data(), input.size()) != 0) wrong << "\n  source changed";
     if (memcmp(records, kept, sizeof kept) != 0) wrong << "\n  a record was changed";
+    if (heap.live != 0) wrong << "\n  " << heap.live << " buffers not freed";
     if (!wrong.str().empty()) {
       ADD_FAILURE() << call.name << ": destination " << describe(dst.record)
                     << "; source " << describe(src.record) << "; content " << content
                     << ", seed " << seed
-                    << (guard == GuardedBuffer::Guard::kBehind ? ", guard behind"
-                                                               : ", guard before")
-                    << wrong.str();
+                    << (behind ? ", guard behind" : ", guard before") << wrong.str();
       return false;
     }
     if (digest != nullptr) hash(actual, digest);

@@ -53,8 +53,8 @@ struct Call {
 
 // Runs both functions of the call on equal buffers that end (then start) at an
 // inaccessible page, and compares results, every byte of the destination, the source
-// and the records. A mismatch is a test failure and gives false. `digest` accumulates
-// what the library has written.
+// and the records, and that no heap memory is left behind. A mismatch is a test failure
+// and gives false. `digest` accumulates what the library has written.
 bool compare(const Call& call, const Frame& dst, const Frame& src, Content content,
              uint32_t seed, uint64_t* digest = nullptr);
 

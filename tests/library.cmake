@@ -1,21 +1,42 @@
 find_package(Threads REQUIRED)
 
-# The reference and the harness know nothing of how the library was compiled.
+# The reference knows nothing of how the library was compiled.
 add_library(zelm_test_reference STATIC reference.cc)
 target_include_directories(zelm_test_reference PUBLIC
   ${PROJECT_SOURCE_DIR}/include ${CMAKE_CURRENT_SOURCE_DIR})
 zelm_warnings(zelm_test_reference)
 
 # zelm_library_tests(<prefix> <objects>)
-# The comparison tests linked with one build of the library's objects; the names of
-# the tests start with the prefix.
+# All comparisons for one build of the library's objects; the names of the tests start
+# with the prefix.
 function(zelm_library_tests prefix objects)
   set(test ${prefix}_test)
-  add_executable(${test} harness.cc stages.cc stage_test.cc values_test.cc pipeline_test.cc)
+  add_executable(${test} harness.cc memory.cc stages.cc
+    stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
   zelm_warnings(${test})
+  target_link_options(${test} PRIVATE -Wl,--wrap=malloc,--wrap=free)
   target_link_libraries(${test} PRIVATE
     ${objects} zelm_test_reference GTest::gtest_main Threads::Threads m)
   gtest_discover_tests(${test} TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60)
 endfunction()
 
 zelm_library_tests(library zelm_objects)
+
+# The public header in each language, and the shared library from C.
+foreach(standard 99 11)
+  set(test c${standard}_program)
+  add_executable(${test} c_program.c)
+  set_target_properties(${test} PROPERTIES
+    C_STANDARD ${standard} C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
+  target_compile_options(${test} PRIVATE -pedantic -Wall -Wextra -Werror)
+  target_link_libraries(${test} PRIVATE zelm_imageutil)
+  add_test(NAME ${test} COMMAND ${test})
+endforeach()
+
+# Sanitizers bring symbols and libraries of their own.
+if(NOT "${CMAKE_CXX_FLAGS} ${CMAKE_SHARED_LINKER_FLAGS}" MATCHES "-fsanitize|--coverage")
+  add_test(NAME exports COMMAND ${CMAKE_COMMAND}
+    -DLIBRARY=$<TARGET_FILE:zelm_imageutil> -DMAP=${PROJECT_SOURCE_DIR}/cmake/exports.map
+    -DNM=${CMAKE_NM} -DREADELF=${CMAKE_READELF}
+    -P ${CMAKE_CURRENT_SOURCE_DIR}/exports.cmake)
+endif()

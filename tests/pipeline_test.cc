@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "harness.h"
+#include "memory.h"
 
 namespace harness {
 namespace {
@@ -213,6 +214,52 @@ TEST(Pipeline, ChromaErrorLeavesLuma) {
   EXPECT_EQ(out, expected);
 }
 
+// Every request for memory refused in turn: -12, and nothing written.
+TEST(Pipeline, NoMemory) {
+  struct {
+    uint32_t from, to;
+    int width, height, dstWidth, dstHeight, requests;
+  } const routes[] = {
+      {FORMAT_YUV420SP, FORMAT_YUV420SP, 32, 16, 32, 16, 0},
+      {FORMAT_YUV420SPVU, FORMAT_RGB565, 32, 16, 32, 16, 0},
+      {FORMAT_YUV420SP, FORMAT_YUV420SP, 32, 16, 20, 14, 0},
+      {FORMAT_YUV420SP, FORMAT_YUV420SP, 64, 48, 20, 14, 1},
+      {FORMAT_YUV420SP, FORMAT_RGBA8888, 32, 16, 20, 14, 1},
+      {FORMAT_YUV420SP, FORMAT_YUV422SP, 64, 48, 20, 14, 2},
+      {FORMAT_YUV420SPVU, FORMAT_YUV420SP, 640, 640, 10, 10, 4},
+      {FORMAT_YUV420SPVU, FORMAT_YUV420SPMB, 32, 32, 32, 32, 1},
+      {FORMAT_YUV420SP, FORMAT_YUV420P, 64, 48, 20, 14, 2},
+      {FORMAT_RGB565, FORMAT_YUV420SPVU, 32, 32, 20, 14, 1},
+      {FORMAT_YUV422IUYVY, FORMAT_YUV420SPVU, 32, 32, 20, 14, 1},
+      {FORMAT_YUV420SPMB, FORMAT_YUV420SPVU, 32, 32, 20, 14, 1},
+      {FORMAT_YUV420SPMB, FORMAT_YUV420SPVU, 32, 32, 32, 32, 0},
+  };
+  for (const auto& r : routes) {
+    const Frame src = makeFrame(r.from, r.width, r.height);
+    const Frame dst = makeFrame(r.to, r.dstWidth, r.dstHeight);
+    for (int methods = 22; methods <= 55; methods += 33) {  // valid and not
+      Call call = resizeAndConvert(methods / 10, methods % 10);
+      EXPECT_TRUE(compare(call, dst, src, kRandom, 1));
+      const int most = memory::state().requests;
+      EXPECT_LE(most, r.requests) << describe(src.record);
+      call.expected = [](ImageStruct*, ImageStruct*) { return RESULT_NO_MEMORY; };
+      for (int n = 1; n <= most; ++n) {
+        memory::state().refuse = n;
+        EXPECT_TRUE(compare(call, dst, src, kRandom, 1)) << "request " << n;
+      }
+      memory::state().refuse = 0;
+    }
+  }
+  // A foreign source is refused only after its buffer was to be had.
+  const Frame src = makeFrame(FORMAT_YUV420SP, 32, 16),
+              dst = makeFrame(FORMAT_YUV420SPVU, 8, 8);
+  memory::state().refuse = 1;
+  expectCode({"without memory", convertAndResize(2, 2).product,
+              [](ImageStruct*, ImageStruct*) { return RESULT_NO_MEMORY; }},
+             dst, src, RESULT_NO_MEMORY);
+  memory::state().refuse = 0;
+}
+
 TEST(Pipeline, Rotations) {
   for (int rotation = -1; rotation <= 5; ++rotation) {
     for (int mode : {1, 0, 2}) {
@@ -276,8 +323,8 @@ TEST(Pipeline, RandomResizeAndConvert) {
     const bool useful = records.below(4) != 0;
     const uint32_t from = useful ? kFormats[1 + records.below(2)] : records.format();
     Frame src = records.frame(from);
-    Frame dst = records.beside(
-        records.below(3) == 0 ? kFormats[2] : records.format(), src);
+    Frame dst =
+        records.beside(records.below(3) == 0 ? kFormats[2] : records.format(), src);
     if (records.rarely()) dst.record.format ^= 1u << records.below(26);
     if (zelmFrameLayout(dst.record.format, dst.record.width, dst.record.height).size >
         dst.bytes) {

@@ -1,0 +1,23 @@
+// What the library takes from the heap while it is watched: every buffer ends at an
+// inaccessible page and is full of a chosen byte, and any request can be refused.
+// The linker sends malloc and free here (--wrap).
+#ifndef ZELM_TESTS_MEMORY_H
+#define ZELM_TESTS_MEMORY_H
+
+#include <stdint.h>
+
+namespace memory {
+
+struct State {
+  bool watching;
+  int refuse;  // the request to refuse, counted from 1; 0 refuses none
+  uint8_t fill;
+  int requests, live;  // since the watching began
+};
+
+// Of the calling thread.
+State& state();
+
+}  // namespace memory
+
+#endif  // ZELM_TESTS_MEMORY_H
