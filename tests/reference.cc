@@ -36,6 +36,12 @@ Plane packed(const ImageStruct& i, int channels) {
           i.roiHeight, i.roiWidth, channels};
 }
 
+// The region alone, from the start of the buffer.
+Plane block(const ImageStruct& i, int channels) {
+  return {i.data, static_cast<size_t>(i.roiWidth) * channels, i.roiHeight, i.roiWidth,
+          channels};
+}
+
 size_t area(const ImageStruct& i) { return static_cast<size_t>(i.width) * i.height; }
 
 int64_t clamp(int64_t v, int64_t low, int64_t high) {
@@ -238,31 +244,26 @@ void boxAverage(const Plane& out, const Plane& in, int k) {
   }
 }
 
+template <class Sample>
+void turn(const Plane& out, const Plane& in, bool quarter, Sample sample) {
+  const int rows = quarter ? in.columns : in.rows;
+  const int columns = quarter ? in.rows : in.columns;
+  for (int y = 0; y < rows; ++y) {
+    for (int x = 0; x < columns; ++x) out.at(y, x) = sample(in, x, y);
+  }
+}
+
 // -------------------------------------------------------------------- pipelines
 
 using Stage = void (*)(ImageStruct*, ImageStruct*);
 
-// The scaler of a method, null for an unknown one.
-Stage lumaScaler(int method) {
-  return method == RESIZE_LINEAR    ? resize_linear
-         : method == RESIZE_CUBIC   ? resize_cubic
-         : method == RESIZE_NEAREST ? resize_nearest
-                                    : nullptr;
-}
-
-Stage chromaScaler(int method) {
-  return method == RESIZE_LINEAR    ? resize_linearVU
-         : method == RESIZE_CUBIC   ? resize_cubicVU
-         : method == RESIZE_NEAREST ? resize_nearestVU
-                                    : nullptr;
-}
-
 int scaleBothPlanes(ImageStruct* dst, ImageStruct* src, int luma, int chroma) {
-  const Stage scaleLuma = lumaScaler(luma), scaleChroma = chromaScaler(chroma);
-  if (scaleLuma == nullptr) return RESULT_BAD_LUMA_METHOD;
-  scaleLuma(dst, src);
-  if (scaleChroma == nullptr) return RESULT_BAD_CHROMA_METHOD;
-  scaleChroma(dst, src);
+  const Stage lumaStages[] = {resize_linear, resize_cubic, resize_nearest};
+  const Stage chromaStages[] = {resize_linearVU, resize_cubicVU, resize_nearestVU};
+  if (luma < 2 || luma > 4) return RESULT_BAD_LUMA_METHOD;
+  lumaStages[luma - 2](dst, src);
+  if (chroma < 2 || chroma > 4) return RESULT_BAD_CHROMA_METHOD;
+  chromaStages[chroma - 2](dst, src);
   return RESULT_OK;
 }
 
@@ -282,28 +283,26 @@ void setWholeRegion(ImageStruct* i) {
   i->roiHeight = i->height;
 }
 
+// The converter between two semi-planar orders, or to another layout; null for none.
 Stage converterFor(uint32_t from, uint32_t to) {
-  switch (to) {
-    case FORMAT_YUV420SP:
-    case FORMAT_YUV420SPVU:
-      return from == to ? convYUV420SP_YUV420SP : convYUV420SP_VU2UV;
-    case FORMAT_YUV422SP:
-      return from == FORMAT_YUV420SP ? convYUV420SP_YUV422SP
-                                     : convYUV420SP_YUV422SP_VU2UV;
-    case FORMAT_YUV422SPVU:
-      return from == FORMAT_YUV420SP ? convYUV420SP_YUV422SP_VU2UV
-                                     : convYUV420SP_YUV422SP;
-    case FORMAT_RGB565:
-      return convYUV420SP_RGB565;
-    case FORMAT_RGB888:
-      return convYUV420SP_RGB888;
-    case FORMAT_RGBA8888:
-      return convYUV420SP_RGBA8888;
-    case FORMAT_YUV420SPMB:
-      return convYUV420SPVU_YUV420SPMB;
-    default:
-      return nullptr;
+  const bool uFirst = from == FORMAT_YUV420SP;
+  const struct {
+    uint32_t to;
+    Stage whenUFirst, whenVFirst;
+  } table[] = {
+      {FORMAT_YUV420SP, convYUV420SP_YUV420SP, convYUV420SP_VU2UV},
+      {FORMAT_YUV420SPVU, convYUV420SP_VU2UV, convYUV420SP_YUV420SP},
+      {FORMAT_YUV422SP, convYUV420SP_YUV422SP, convYUV420SP_YUV422SP_VU2UV},
+      {FORMAT_YUV422SPVU, convYUV420SP_YUV422SP_VU2UV, convYUV420SP_YUV422SP},
+      {FORMAT_RGB565, convYUV420SP_RGB565, convYUV420SP_RGB565},
+      {FORMAT_RGB888, convYUV420SP_RGB888, convYUV420SP_RGB888},
+      {FORMAT_RGBA8888, convYUV420SP_RGBA8888, convYUV420SP_RGBA8888},
+      {FORMAT_YUV420SPMB, nullptr, convYUV420SPVU_YUV420SPMB},
+  };
+  for (const auto& t : table) {
+    if (t.to == to) return uFirst ? t.whenUFirst : t.whenVFirst;
   }
+  return nullptr;
 }
 
 int scaleAndConvert(ImageStruct src, ImageStruct dst, int luma, int chroma) {
@@ -495,17 +494,38 @@ int Zelm_Rotate_and_Convert(ImageStruct src, ImageStruct dst, int mode, int rota
   return RESULT_OK;
 }
 
-void convYUV420SP_RGBA8888(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 4); }
-void convYUV420SP_RGB565(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 2); }
-void convYUV420SP_RGB888(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 3); }
+#define DEFINE(name, ...) \
+  void name(ImageStruct* dst, ImageStruct* src) { __VA_ARGS__; }
+DEFINE(convYUV420SP_RGBA8888, toRgb(*dst, *src, 4))
+DEFINE(convYUV420SP_RGB888, toRgb(*dst, *src, 3))
+DEFINE(convYUV420SP_RGB565, toRgb(*dst, *src, 2))
+DEFINE(convYUV420SP_YUV420SP, copySemiPlanar(*dst, *src, 0))
+DEFINE(convYUV420SP_VU2UV, copySemiPlanar(*dst, *src, 1))
+DEFINE(convYUV420SP_YUV422SP, expandTo422(*dst, *src, 0))
+DEFINE(convYUV420SP_YUV422SP_VU2UV, expandTo422(*dst, *src, 1))
+DEFINE(resize_nearest, scaleNearest(luma(*dst), luma(*src)))
+DEFINE(resize_nearestVU, scaleNearest(chroma(*dst), chroma(*src)))
+DEFINE(resize_linear, scaleFiltered(luma(*dst), luma(*src), linearTaps))
+DEFINE(resize_linearVU, scaleFiltered(chroma(*dst), chroma(*src), linearTaps))
+DEFINE(resize_linear3ch, scaleFiltered(block(*dst, 3), packed(*src, 3), linearTaps))
+DEFINE(resize_cubic, scaleFiltered(luma(*dst), luma(*src), cubicTaps))
+DEFINE(resize_cubicVU, scaleFiltered(chroma(*dst), chroma(*src), cubicTaps))
+DEFINE(resize_averageOfPixel2_420LP, boxAverage(luma(*dst), luma(*src), 2),
+       boxAverage(chroma(*dst), chroma(*src), 2))
+DEFINE(resize_averageOfPixel4_420LP, boxAverage(luma(*dst), luma(*src), 4),
+       boxAverage(chroma(*dst), chroma(*src), 4))
 
-void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
-  copySemiPlanar(*dst, *src, 0);
-}
-
-void convYUV420SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
-  copySemiPlanar(*dst, *src, 1);
-}
+// The rotations say for every destination column x and row y where it comes from.
+DEFINE(rotate0_Y, turn(luma(*dst), luma(*src), false,
+                       [](auto s, int x, int y) { return s.at(y, x); }))
+DEFINE(rotate90_Y, turn(luma(*dst), luma(*src), true,
+                        [](auto s, int x, int y) { return s.at(s.rows - 1 - x, y); }))
+DEFINE(rotate180_Y, turn(luma(*dst), luma(*src), false, [](auto s, int x, int y) {
+         return s.at(s.rows - 1 - y, s.columns - 1 - x);
+       }))
+DEFINE(rotate270_Y, turn(luma(*dst), luma(*src), true, [](auto s, int x, int y) {
+         return s.at(x, s.columns - 1 - y);
+       }))
 
 void convYUV420SP_YUV420P(ImageStruct* dst, ImageStruct* src) {
   const size_t w = dst->width, h = dst->height;
@@ -530,14 +550,6 @@ void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   for (size_t k = 0; k < a / 2; ++k) {
     dst->data[dst->uvOffset + k] = k % 2 == 0 ? first[k / 2] : second[(k - 1) / 2];
   }
-}
-
-void convYUV420SP_YUV422SP(ImageStruct* dst, ImageStruct* src) {
-  expandTo422(*dst, *src, 0);
-}
-
-void convYUV420SP_YUV422SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
-  expandTo422(*dst, *src, 1);
 }
 
 void convYUV422IUYVY_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
@@ -593,64 +605,6 @@ void convYUV420SPVU_YUV420SPMB(ImageStruct* dst, ImageStruct* src) {
       src->roiWidth, src->roiHeight,
       [=](size_t linear, size_t tiled) { to[tiled] = from[linear]; },
       [=](size_t linear, size_t tiled) { to[written + tiled] = from[read + linear]; });
-}
-
-void resize_nearest(ImageStruct* dst, ImageStruct* src) {
-  scaleNearest(luma(*dst), luma(*src));
-}
-void resize_nearestVU(ImageStruct* dst, ImageStruct* src) {
-  scaleNearest(chroma(*dst), chroma(*src));
-}
-void resize_linear(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(luma(*dst), luma(*src), linearTaps);
-}
-void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(chroma(*dst), chroma(*src), linearTaps);
-}
-void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
-  const size_t stride = 3 * static_cast<size_t>(dst->roiWidth);
-  scaleFiltered({dst->data, stride, dst->roiHeight, dst->roiWidth, 3}, packed(*src, 3),
-                linearTaps);
-}
-void resize_cubic(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(luma(*dst), luma(*src), cubicTaps);
-}
-void resize_cubicVU(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(chroma(*dst), chroma(*src), cubicTaps);
-}
-
-void resize_averageOfPixel2_420LP(ImageStruct* dst, ImageStruct* src) {
-  boxAverage(luma(*dst), luma(*src), 2);
-  boxAverage(chroma(*dst), chroma(*src), 2);
-}
-void resize_averageOfPixel4_420LP(ImageStruct* dst, ImageStruct* src) {
-  boxAverage(luma(*dst), luma(*src), 4);
-  boxAverage(chroma(*dst), chroma(*src), 4);
-}
-
-void rotate0_Y(ImageStruct* dst, ImageStruct* src) { copyLuma(*dst, *src); }
-
-void rotate90_Y(ImageStruct* dst, ImageStruct* src) {
-  const Plane in = luma(*src), out = luma(*dst);
-  for (int y = 0; y < in.columns; ++y) {
-    for (int x = 0; x < in.rows; ++x) out.at(y, x) = in.at(in.rows - 1 - x, y);
-  }
-}
-
-void rotate180_Y(ImageStruct* dst, ImageStruct* src) {
-  const Plane in = luma(*src), out = luma(*dst);
-  for (int y = 0; y < in.rows; ++y) {
-    for (int x = 0; x < in.columns; ++x) {
-      out.at(y, x) = in.at(in.rows - 1 - y, in.columns - 1 - x);
-    }
-  }
-}
-
-void rotate270_Y(ImageStruct* dst, ImageStruct* src) {
-  const Plane in = luma(*src), out = luma(*dst);
-  for (int y = 0; y < in.columns; ++y) {
-    for (int x = 0; x < in.rows; ++x) out.at(y, x) = in.at(x, in.columns - 1 - y);
-  }
 }
 
 }  // namespace reference

@@ -40,59 +40,32 @@ Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* rando
   r.roiWidth = static_cast<uint16_t>(region.w);
   r.roiHeight = static_cast<uint16_t>(region.h);
 
-  const size_t w = width, h = height, gap = margins ? random->below(20) : 0;
-  const size_t tiles = upTo16(w) * upTo16(h);
-  frame.stride = w;
-  frame.chroma = w * h;
-  bool chromaAtOffset = false;
-  switch (layout) {
-    case Layout::kLuma:
-      frame.bytes = w * h;
-      break;
-    case Layout::kSemi420:
-    case Layout::kPlanarRead:
-      chromaAtOffset = true;
-      frame.bytes = w * h + gap + w * h / 2;
-      break;
-    case Layout::kSemi420Packed:
-      frame.bytes = w * h * 3 / 2;
-      break;
-    case Layout::kSemi422:
-      chromaAtOffset = true;
-      frame.bytes = w * h + gap + w * h;
-      break;
-    case Layout::kPlanarWritten:
-      frame.chroma = h * upTo16(w);
-      frame.bytes = frame.chroma + h * upTo16(upTo16(w) / 2);
-      break;
-    case Layout::kPacked2:
-    case Layout::kPacked3:
-    case Layout::kPacked4:
-      frame.stride *= layout == Layout::kPacked2   ? 2
-                      : layout == Layout::kPacked3 ? 3
-                                                   : 4;
-      frame.chroma = frame.bytes = frame.stride * h;
-      break;
-    case Layout::kTiledRead:
-      chromaAtOffset = true;
-      frame.chroma = tiles;
-      frame.bytes = tiles + gap + tiles / 2;
-      break;
-    case Layout::kTiledWritten:
-      frame.chroma = tiles;
-      frame.bytes = tiles + tiles / 2;
-      break;
-    case Layout::kBlock3:
-      frame.stride = 3 * static_cast<size_t>(std::max(1, region.w));
-      frame.chroma = frame.bytes = frame.stride * region.h;
-      r.width = 0xFFF0;
-      r.roiX = r.roiY = 0x123456;
-      break;
+  struct {
+    size_t lumaBytes, chromaHalves;
+    bool atOffset;
+  } const rules[] = {{1, 0, false}, {1, 1, true},  {1, 1, false}, {1, 2, true},
+                     {1, 1, true},  {0, 0, false}, {2, 0, false}, {3, 0, false},
+                     {4, 0, false}, {1, 1, true},  {1, 1, false}, {3, 0, false}};
+  const auto& rule = rules[static_cast<int>(layout)];
+  size_t w = r.width, h = r.height;
+  if (layout == Layout::kTiledRead || layout == Layout::kTiledWritten) {
+    w = upTo16(w), h = upTo16(h);
   }
-  if (chromaAtOffset) {
-    frame.chroma += gap;
-    r.uvOffset = static_cast<uint32_t>(frame.chroma);
+  if (layout == Layout::kBlock3) {
+    w = r.roiWidth, h = r.roiHeight;
+    r.width = 0xFFF0;
+    r.roiX = r.roiY = 0x123456;
   }
+  const size_t gap = margins && rule.atOffset ? random->below(20) : 0;
+  frame.stride = std::max<size_t>(1, w * rule.lumaBytes);
+  frame.chroma = w * h * rule.lumaBytes + gap;
+  frame.bytes = frame.chroma + w * h * rule.chromaHalves / 2;
+  if (layout == Layout::kPlanarWritten) {
+    frame.stride = w;
+    frame.chroma = h * upTo16(w);
+    frame.bytes = frame.chroma + h * upTo16(upTo16(w) / 2);
+  }
+  if (rule.atOffset) r.uvOffset = static_cast<uint32_t>(frame.chroma);
   if (fit == Fit::kFrame && margins) {
     r.roiX = random->below(width / 2) * 2;
     r.roiY = random->below(height / 2) * 2;
@@ -179,37 +152,20 @@ std::vector<Sizes> sizesOf(Fit fit) {
     }
     return sizes;
   }
-  const bool odd = fit != Fit::kSame && fit != Fit::kFrame && fit != Fit::kTiles;
-  for (const Size& s : regionSizes(odd)) {
-    const int surplus = static_cast<int>(sizes.size()) % 3;
-    switch (fit) {
-      case Fit::kTurned:
-        sizes.push_back({{s.h, s.w}, s});
-        break;
-      case Fit::kFrame:
-        if (s.w > 0 && s.h > 0) sizes.push_back({s, s});
-        break;
-      case Fit::kTiles:
-        if (s.w > 0) sizes.push_back({s, s});
-        break;
-      case Fit::kWholeGroups:
-        sizes.push_back({{s.w / 2 * 2, s.h}, s});
-        break;
-      case Fit::kDoubledLast:
-        sizes.push_back({{(s.w + 1) / 2 * 2, s.h}, s});
-        break;
-      case Fit::kBox2:
-        sizes.push_back({s, {2 * s.w + surplus, 2 * s.h + surplus}});
-        break;
-      case Fit::kBox4:
-        if (s.w * s.h < 6000) {
-          sizes.push_back({s, {4 * s.w + surplus, 4 * s.h + surplus}});
-        }
-        break;
-      default:
-        sizes.push_back({s, s});
-        break;
+  const bool whole = fit == Fit::kFrame || fit == Fit::kTiles;
+  const int factor = fit == Fit::kBox2 ? 2 : fit == Fit::kBox4 ? 4 : 0;
+  for (const Size& s : regionSizes(fit != Fit::kSame && !whole)) {
+    Sizes both{s, s};
+    if (fit == Fit::kTurned) both.dst = {s.h, s.w};
+    if (fit == Fit::kWholeGroups) both.dst.w = s.w / 2 * 2;
+    if (fit == Fit::kDoubledLast) both.dst.w = (s.w + 1) / 2 * 2;
+    if (factor > 0) {
+      const int surplus = static_cast<int>(sizes.size()) % 3;
+      both.src = {factor * s.w + surplus, factor * s.h + surplus};
     }
+    if (whole && s.w == 0) continue;
+    if (fit == Fit::kFrame && s.h == 0) continue;
+    sizes.push_back(both);
   }
   return sizes;
 }
@@ -236,37 +192,11 @@ std::vector<Case> casesOf(const Stage& stage) {
 
 const std::vector<Stage>& stages() {
 #define STAGE(name, src, dst, fit, digest) \
-  { #name, ::name, reference::name, Layout::src, Layout::dst, Fit::fit, digest }
-  // clang-format off
+  {#name, ::name, reference::name, Layout::src, Layout::dst, Fit::fit, digest},
   static const std::vector<Stage> table = {
-      STAGE(convYUV420SP_RGBA8888, kSemi420, kPacked4, kSame, 0xe8625329e6bc9dd0),
-      STAGE(convYUV420SP_RGB565, kSemi420, kPacked2, kSame, 0x49778810b176e71c),
-      STAGE(convYUV420SP_RGB888, kSemi420, kPacked3, kSame, 0x32b7f0ae4c42e71a),
-      STAGE(convYUV420SP_YUV420SP, kSemi420, kSemi420, kSame, 0xea31e355cf6d8f02),
-      STAGE(convYUV420SP_VU2UV, kSemi420, kSemi420, kSame, 0xa1dac76ede89f7f0),
-      STAGE(convYUV420SP_YUV420P, kSemi420, kPlanarWritten, kFrame, 0xc753cad846fa6af4),
-      STAGE(convYUV420P_YUV420SP, kPlanarRead, kSemi420, kFrame, 0x6532044a8fb7d1c4),
-      STAGE(convYUV420SP_YUV422SP, kSemi420, kSemi422, kSame, 0x2386e461a399e389),
-      STAGE(convYUV420SP_YUV422SP_VU2UV, kSemi420, kSemi422, kSame, 0x1c18599049744ff8),
-      STAGE(convYUV422IUYVY_YUV420SPVU, kPacked2, kSemi420Packed, kWholeGroups, 0x162834686a14467a),
-      STAGE(convRGB565_YUV420SPVU, kPacked2, kSemi420Packed, kDoubledLast, 0x69357e568ff914d7),
-      STAGE(convYUV420SPMB_YUV420SPVU, kTiledRead, kSemi420Packed, kTiles, 0xcf78ac8d48dcd114),
-      STAGE(convYUV420SPVU_YUV420SPMB, kSemi420, kTiledWritten, kTiles, 0xccdd1b3b7ef22118),
-      STAGE(resize_nearest, kLuma, kLuma, kScaledSamples, 0xf441068ea706def1),
-      STAGE(resize_nearestVU, kSemi420, kSemi420, kScaledPairs, 0x60f74a0f3afaa3ea),
-      STAGE(resize_linear, kLuma, kLuma, kScaledSamples, 0xef15da953c7c3868),
-      STAGE(resize_linearVU, kSemi420, kSemi420, kScaledPairs, 0x541f05b468529e8b),
-      STAGE(resize_linear3ch, kPacked3, kBlock3, kScaledSamples, 0xe07b62518b9a0d58),
-      STAGE(resize_cubic, kLuma, kLuma, kScaledSamples, 0x4b346cf2ed265708),
-      STAGE(resize_cubicVU, kSemi420, kSemi420, kScaledPairs, 0x10fc088a5c0bbc8f),
-      STAGE(resize_averageOfPixel2_420LP, kSemi420, kSemi420, kBox2, 0xf6b8350115f2dc52),
-      STAGE(resize_averageOfPixel4_420LP, kSemi420, kSemi420, kBox4, 0xfbbbcb0f04c167eb),
-      STAGE(rotate0_Y, kLuma, kLuma, kSameAny, 0xf167296108d040df),
-      STAGE(rotate90_Y, kLuma, kLuma, kTurned, 0xe08484268d8655b9),
-      STAGE(rotate180_Y, kLuma, kLuma, kSameAny, 0xb95d983de52931c8),
-      STAGE(rotate270_Y, kLuma, kLuma, kTurned, 0xd1b4605c67457720),
+#include "stages.inc"
   };
-  // clang-format on
+#undef STAGE
   return table;
 }
 

@@ -18,7 +18,7 @@ ImageStruct plane(int width, int height) {
   ImageStruct r = record(2, 2);
   r.width = r.roiWidth = static_cast<uint16_t>(width);
   r.height = r.roiHeight = static_cast<uint16_t>(height);
-  r.uvOffset = static_cast<uint32_t>(width * height);
+  r.uvOffset = static_cast<uint32_t>(width) * static_cast<uint32_t>(height);
   return r;
 }
 
