@@ -37,28 +37,20 @@ TEST(Threads, SameBytes) {
       if (cases[i].dst.bytes > 0) add(run, stage.expected, cases[i].dst, cases[i].src);
     }
   }
-  for (uint32_t to :
-       {FORMAT_YUV420SPVU, FORMAT_YUV420SP, FORMAT_RGB888, FORMAT_YUV420SPMB}) {
-    for (uint32_t from : {FORMAT_YUV420SPVU, FORMAT_RGB565, FORMAT_YUV420SPMB}) {
-      const auto frame = [](uint32_t format, uint32_t w, uint32_t h) {
-        return Frame{zelmWholeFrame(format, w, h, nullptr),
-                     zelmFrameLayout(format, w, h).size, w, 0};
-      };
+  const auto pipelines = [](ImageStruct* d, ImageStruct* s) {
+    return Zelm_Resize_and_Convert(*s, *d, 3, 2, 0) +
+           Zelm_Rotate_and_Convert(*s, *d, 1, 0);
+  };
+  const auto expected = [](ImageStruct* d, ImageStruct* s) {
+    reference::Zelm_Resize_and_Convert(*s, *d, 3, 2);
+    reference::Zelm_Rotate_and_Convert(*s, *d, 1, 0);
+  };
+  for (uint32_t to : {4u, 2u, 2048u, 0x1000000u}) {
+    for (uint32_t from : {4u, 1024u, 0x1000000u}) {
       for (uint32_t width : {64u, 20u}) {
-        add(
-            [](ImageStruct* d, ImageStruct* s) {
-              return int{Zelm_Resize_and_Convert(*s, *d, 3, 2, 0)};
-            },
-            [](ImageStruct* d, ImageStruct* s) {
-              reference::Zelm_Resize_and_Convert(*s, *d, 3, 2);
-            },
-            frame(to, width, 20), frame(from, 64, 48));
-        add([](ImageStruct* d,
-               ImageStruct* s) { return int{Zelm_Rotate_and_Convert(*s, *d, 1, 1)}; },
-            [](ImageStruct* d, ImageStruct* s) {
-              reference::Zelm_Rotate_and_Convert(*s, *d, 1, 1);
-            },
-            frame(to, width, 64), frame(from, 64, width));
+        add(pipelines, expected,
+            {zelmWholeFrame(to, width, 48, nullptr), 64 * 48 * 4, 64, 0},
+            {zelmWholeFrame(from, 64, 48, nullptr), 64 * 48 * 2, 64, 0});
       }
     }
   }
