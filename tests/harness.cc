@@ -39,27 +39,13 @@ void fill(uint8_t* bytes, size_t size, size_t stride, Content content, uint32_t 
   Random random(seed);
   for (size_t i = 0; i < size; ++i) {
     const size_t row = i / stride, column = i % stride;
-    int value = 0;
-    switch (content) {
-      case kRandom:
-        value = static_cast<int>(random.next() >> 8);
-        break;
-      case kFull:
-        value = 255;
-        break;
-      case kChecker:
-        value = (row + column + seed) % 2 == 0 ? 0 : 255;
-        break;
-      case kSteps:
-        value = (row / 5 + column / 7 + seed) % 2 == 0 ? 0 : 255;
-        break;
-      case kRamp:
-        value = static_cast<int>(3 * column + 5 * row + seed);
-        break;
-      default:
-        break;
-    }
-    bytes[i] = static_cast<uint8_t>(value);
+    const size_t values[kContents] = {random.next() >> 8,
+                                      0,
+                                      255,
+                                      (row + column + seed) % 2 * 255,
+                                      (row / 5 + column / 7 + seed) % 2 * 255,
+                                      3 * column + 5 * row + seed};
+    bytes[i] = static_cast<uint8_t>(values[content]);
   }
 }
 

@@ -95,25 +95,16 @@ int scaledChroma(int64_t c) {
 
 // ------------------------------------------------------------------------ layout
 
-void copyLuma(const ImageStruct& dst, const ImageStruct& src) {
-  const Plane in = luma(src), out = luma(dst);
+void copyPlane(const Plane& out, const Plane& in, int exchange = 0) {
   for (int r = 0; r < in.rows; ++r) {
-    for (int x = 0; x < in.columns; ++x) out.at(r, x) = in.at(r, x);
-  }
-}
-
-void copySemiPlanar(const ImageStruct& dst, const ImageStruct& src, int exchange) {
-  copyLuma(dst, src);
-  const Plane in = chroma(src), out = chroma(dst);
-  for (int k = 0; k < in.rows; ++k) {
-    for (int j = 0; j < in.columns; ++j) {
-      for (int c = 0; c < 2; ++c) out.at(k, j, c) = in.at(k, j, c ^ exchange);
+    for (int x = 0; x < in.columns; ++x) {
+      for (int c = 0; c < in.channels; ++c) out.at(r, x, c) = in.at(r, x, c ^ exchange);
     }
   }
 }
 
 void expandTo422(const ImageStruct& dst, const ImageStruct& src, int exchange) {
-  copyLuma(dst, src);
+  copyPlane(luma(dst), luma(src));
   const Plane in = chroma(src);
   Plane out = chroma(dst);
   out.origin =
@@ -173,10 +164,8 @@ Position positionOf(uint64_t step, int i) {
 
 int limited(int i, int extent) { return std::max(0, std::min(i, extent - 1)); }
 
-bool emptySource(const Plane& in) { return in.rows <= 0 || in.columns <= 0; }
-
 void scaleNearest(const Plane& out, const Plane& in) {
-  if (emptySource(in)) return;
+  if (in.rows == 0 || in.columns == 0) return;
   const uint64_t stepY = stepOf(in.rows, out.rows);
   const uint64_t stepX = stepOf(in.columns, out.columns);
   for (int j = 0; j < out.rows; ++j) {
@@ -204,7 +193,7 @@ Taps cubicTaps(int f) {
 }
 
 void scaleFiltered(const Plane& out, const Plane& in, Taps (*taps)(int)) {
-  if (emptySource(in)) return;
+  if (in.rows == 0 || in.columns == 0) return;
   const uint64_t stepY = stepOf(in.rows, out.rows);
   const uint64_t stepX = stepOf(in.columns, out.columns);
   for (int j = 0; j < out.rows; ++j) {
@@ -406,7 +395,8 @@ int getReductionRate(ImageStruct* dst, ImageStruct* src) {
   return n;
 }
 
-int Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst, int luma, int chroma) {
+int Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst, int luma, int chroma,
+                            int) {
   if (const int code = reference::checkStruct(&src)) return code;
   if (const int code = reference::checkStruct(&dst)) return code;
   const uint32_t from = src.format, to = dst.format;
@@ -423,7 +413,7 @@ int Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst, int luma, int chro
     case FORMAT_RGB565:
     case FORMAT_YUV420SPMB:
       if (to != FORMAT_YUV420SPVU) return RESULT_UNSUPPORTED_CONVERSION;
-      return reference::Zelm_Convert_and_Resize(src, dst, luma, chroma);
+      return reference::Zelm_Convert_and_Resize(src, dst, luma, chroma, 0);
     default:
       return RESULT_BAD_FORMAT;
   }
@@ -444,7 +434,8 @@ int Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst, int luma, int chro
   return RESULT_OK;
 }
 
-int Zelm_Convert_and_Resize(ImageStruct src, ImageStruct dst, int luma, int chroma) {
+int Zelm_Convert_and_Resize(ImageStruct src, ImageStruct dst, int luma, int chroma,
+                            int) {
   const bool tiled = src.format == FORMAT_YUV420SPMB, same = sameSize(src, dst);
   const Stage convert = tiled                              ? convYUV420SPMB_YUV420SPVU
                         : src.format == FORMAT_RGB565      ? convRGB565_YUV420SPVU
@@ -499,8 +490,10 @@ int Zelm_Rotate_and_Convert(ImageStruct src, ImageStruct dst, int mode, int rota
 DEFINE(convYUV420SP_RGBA8888, toRgb(*dst, *src, 4))
 DEFINE(convYUV420SP_RGB888, toRgb(*dst, *src, 3))
 DEFINE(convYUV420SP_RGB565, toRgb(*dst, *src, 2))
-DEFINE(convYUV420SP_YUV420SP, copySemiPlanar(*dst, *src, 0))
-DEFINE(convYUV420SP_VU2UV, copySemiPlanar(*dst, *src, 1))
+DEFINE(convYUV420SP_YUV420SP, copyPlane(luma(*dst), luma(*src)),
+       copyPlane(chroma(*dst), chroma(*src)))
+DEFINE(convYUV420SP_VU2UV, copyPlane(luma(*dst), luma(*src)),
+       copyPlane(chroma(*dst), chroma(*src), 1))
 DEFINE(convYUV420SP_YUV422SP, expandTo422(*dst, *src, 0))
 DEFINE(convYUV420SP_YUV422SP_VU2UV, expandTo422(*dst, *src, 1))
 DEFINE(resize_nearest, scaleNearest(luma(*dst), luma(*src)))
@@ -516,8 +509,7 @@ DEFINE(resize_averageOfPixel4_420LP, boxAverage(luma(*dst), luma(*src), 4),
        boxAverage(chroma(*dst), chroma(*src), 4))
 
 // The rotations say for every destination column x and row y where it comes from.
-DEFINE(rotate0_Y, turn(luma(*dst), luma(*src), false,
-                       [](auto s, int x, int y) { return s.at(y, x); }))
+DEFINE(rotate0_Y, copyPlane(luma(*dst), luma(*src)))
 DEFINE(rotate90_Y, turn(luma(*dst), luma(*src), true,
                         [](auto s, int x, int y) { return s.at(s.rows - 1 - x, y); }))
 DEFINE(rotate180_Y, turn(luma(*dst), luma(*src), false, [](auto s, int x, int y) {

@@ -12,8 +12,10 @@ int checkRotateParam(ImageStruct* src, ImageStruct* dst, int mode, int rotation)
 int getReductionRate(ImageStruct* dst, ImageStruct* src);
 
 // Allocation never fails here; otherwise the codes and bytes of the pipelines.
-int Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst, int luma, int chroma);
-int Zelm_Convert_and_Resize(ImageStruct src, ImageStruct dst, int luma, int chroma);
+int Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst, int luma, int chroma,
+                            int reserved);
+int Zelm_Convert_and_Resize(ImageStruct src, ImageStruct dst, int luma, int chroma,
+                            int reserved);
 int Zelm_Rotate_and_Convert(ImageStruct src, ImageStruct dst, int mode, int rotation);
 
 #define STAGE(name, ...) void name(ImageStruct* dst, ImageStruct* src);

@@ -8,20 +8,14 @@
 
 namespace harness {
 
+// Semi-planar chroma lies at uvOffset, packed at width * height; a block is the region
+// alone, three bytes per pixel.
+// clang-format off
 enum class Layout {
-  kLuma,           // one plane of a byte per sample
-  kSemi420,        // chroma at uvOffset
-  kSemi420Packed,  // chroma at width * height
-  kSemi422,
-  kPlanarRead,
-  kPlanarWritten,
-  kPacked2,
-  kPacked3,
-  kPacked4,
-  kTiledRead,
-  kTiledWritten,
-  kBlock3  // three bytes per pixel, the region alone
+  kLuma, kSemi420, kSemi420Packed, kSemi422, kPlanarRead, kPlanarWritten, kPacked2,
+  kPacked3, kPacked4, kTiledRead, kTiledWritten, kBlock3
 };
+// clang-format on
 
 // How the sizes of the two regions depend on each other.
 enum class Fit {

@@ -10,7 +10,7 @@ namespace harness {
 namespace {
 
 struct Job {
-  std::function<int(ImageStruct* dst, ImageStruct* src)> run;
+  std::function<void(ImageStruct* dst, ImageStruct* src)> run;
   ImageStruct dst, src;
   Bytes input, expected;
 };
@@ -25,24 +25,20 @@ TEST(Threads, SameBytes) {
     job.src.data = job.input.data();
     reference(&job.dst, &job.src);
     jobs.push_back(std::move(job));
-    jobs.back().src.data = jobs.back().input.data();
   };
   for (const Stage& stage : stages()) {
     const std::vector<Case> cases = casesOf(stage);
     for (size_t i = 100; i < cases.size(); i += 97) {
-      const auto run = [&stage](ImageStruct* dst, ImageStruct* src) {
-        stage.product(dst, src);
-        return 0;
-      };
-      if (cases[i].dst.bytes > 0) add(run, stage.expected, cases[i].dst, cases[i].src);
+      if (cases[i].dst.bytes == 0) continue;
+      add(stage.product, stage.expected, cases[i].dst, cases[i].src);
     }
   }
   const auto pipelines = [](ImageStruct* d, ImageStruct* s) {
-    return Zelm_Resize_and_Convert(*s, *d, 3, 2, 0) +
-           Zelm_Rotate_and_Convert(*s, *d, 1, 0);
+    Zelm_Resize_and_Convert(*s, *d, 3, 2, 0);
+    Zelm_Rotate_and_Convert(*s, *d, 1, 0);
   };
   const auto expected = [](ImageStruct* d, ImageStruct* s) {
-    reference::Zelm_Resize_and_Convert(*s, *d, 3, 2);
+    reference::Zelm_Resize_and_Convert(*s, *d, 3, 2, 0);
     reference::Zelm_Rotate_and_Convert(*s, *d, 1, 0);
   };
   for (uint32_t to : {4u, 2u, 2048u, 0x1000000u}) {
