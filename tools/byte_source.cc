@@ -25,8 +25,11 @@ ByteSource::~ByteSource() {
 
 bool ByteSource::startsWith(const std::string& text) {
   while (ahead_.size() < text.size()) {
-    uint8_t byte;
-    if (fread(&byte, 1, 1, file_) != 1) break;
+    const int byte = fgetc(file_);
+    if (byte == EOF) {
+      requireNoError();
+      break;
+    }
     ahead_.push_back(static_cast<char>(byte));
   }
   return ahead_.compare(0, text.size(), text) == 0;
@@ -36,10 +39,13 @@ size_t ByteSource::read(uint8_t* to, size_t count) {
   const size_t early = std::min(count, ahead_.size());
   memcpy(to, ahead_.data(), early);
   ahead_.erase(0, early);
-  errno = 0;
   const size_t got = early + fread(to + early, 1, count - early, file_);
-  if (got < count && ferror(file_)) fail(name_, ": cannot be read: ", strerror(errno));
+  if (got < count) requireNoError();
   return got;
+}
+
+void ByteSource::requireNoError() const {
+  if (ferror(file_)) fail(name_, ": cannot be read: ", strerror(errno));
 }
 
 uint64_t ByteSource::skip(uint64_t count) {

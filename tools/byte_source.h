@@ -28,6 +28,8 @@ class ByteSource {
   bool readLine(std::string* line);
 
  private:
+  void requireNoError() const;
+
   std::string name_;
   FILE* file_;
   std::string ahead_;

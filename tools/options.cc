@@ -45,9 +45,16 @@ Sizes and positions are even. Names that begin with a dash stand behind --.
 Output appears when it is complete. Exit status: 0, or 2 with one line that says
 what was wrong.)";
 
-CLI::Validator atLeastOne() {
-  return CLI::Validator(
-      [](std::string& text) { return text == "0" ? "must be at least 1" : ""; }, "");
+// Whole numbers from `least`; a sign would otherwise wrap around.
+CLI::Validator numberFrom(uint64_t least) {
+  const auto check = [least](std::string& text) -> std::string {
+    const bool digits = text.find_first_not_of("0123456789") == std::string::npos;
+    if (digits && (least == 0 || text.find_first_not_of('0') != std::string::npos)) {
+      return "";
+    }
+    return text + " is no whole number from " + std::to_string(least);
+  };
+  return CLI::Validator(check, "");
 }
 
 void addInput(CLI::App* command, InputOptions* in) {
@@ -61,12 +68,14 @@ void addInput(CLI::App* command, InputOptions* in) {
       ->add_option("--stride", in->stride,
                    "Bytes from row to row of raw frames with padded rows; chroma "
                    "rows of yuv420p and yv12 lie half as far apart")
+      ->check(numberFrom(1))
       ->type_name("BYTES");
   command->add_option("--crop", in->crop, "The source region")->type_name("X,Y,WxH");
   command->add_option("--skip", in->skip, "Frames to pass over at the start")
+      ->check(numberFrom(0))
       ->type_name("N");
   command->add_option("--frames", in->frames, "Frames to take at most")
-      ->check(atLeastOne())
+      ->check(numberFrom(1))
       ->type_name("N");
 }
 
@@ -141,7 +150,7 @@ void addTestcard(CLI::App* app, TestcardOptions* options) {
       ->required()
       ->type_name("WxH");
   command->add_option("--frames", options->frames, "Number of frames (default: 1)")
-      ->check(atLeastOne())
+      ->check(numberFrom(1))
       ->type_name("N");
 }
 
