@@ -1,0 +1,38 @@
+# shellcheck shell=bash disable=SC2034
+# Sourced by the scripts beside it: Debian packages that a build needs.
+
+build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
+test_packages="$build_packages libgtest-dev googletest"
+demo_packages="$build_packages ffmpeg"
+
+# Prints those of the packages that are not installed.
+missing_packages() {
+  local package
+  for package in "$@"; do
+    if ! dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null |
+        grep -qx installed; then
+      printf '%s ' "$package"
+    fi
+  done
+}
+
+# Installs what is missing. Without the right to do so it says what to install.
+require_packages() {
+  local missing
+  if ! command -v dpkg-query >/dev/null; then
+    echo "No Debian packages here; needed are a C++17 compiler, CMake, and what" \
+      "these packages hold: $*"
+    return 0
+  fi
+  missing=$(missing_packages "$@")
+  [ -z "$missing" ] && return 0
+  if [ "$(id -u)" -ne 0 ]; then
+    echo "Not installed: $missing" >&2
+    echo "Install them first: apt-get install $missing" >&2
+    return 1
+  fi
+  echo "Installing: $missing"
+  apt-get update -q
+  # shellcheck disable=SC2086  # a list of words
+  DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends $missing
+}

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests. Installs missing packages as root.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+
+# shellcheck disable=SC2086  # a list of words
+require_packages $test_packages
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON
+cmake --build build -j "$(nproc)"
+ctest --test-dir build --output-on-failure -j "$(nproc)"

@@ -1,0 +1,12 @@
+# Runs the program zelm-imageutil end to end.
+if(TARGET zelm-imageutil)
+  find_package(PNG REQUIRED)
+  add_executable(tool_test tool_test.cc tool_process.cc)
+  target_link_libraries(tool_test PRIVATE
+    zelm_imageutil_static PNG::PNG GTest::gtest GTest::gtest_main)
+  target_compile_definitions(tool_test PRIVATE
+    ZELM_TOOL="$<TARGET_FILE:zelm-imageutil>")
+  zelm_warnings(tool_test)
+  add_dependencies(tool_test zelm-imageutil)
+  gtest_discover_tests(tool_test)
+endif()

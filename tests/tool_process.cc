@@ -1,0 +1,118 @@
+#include "tool_process.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+std::string contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file) << path;
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void store(const std::string& path, const std::string& bytes) {
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+}  // namespace
+
+ToolTest::ToolTest() {
+  std::string name = ::testing::TempDir() + "zelm-tool-XXXXXX";
+  EXPECT_NE(mkdtemp(name.data()), nullptr);
+  folder_ = name;
+  errors_ = name + ".err";
+}
+
+ToolTest::~ToolTest() {
+  std::filesystem::remove_all(folder_);
+  for (const char* suffix : {".err", ".in", ".out"}) {
+    std::filesystem::remove(folder_ + suffix);
+  }
+}
+
+pid_t ToolTest::start(const Args& args, int in, int out) {
+  std::vector<char*> argv = {const_cast<char*>("zelm-imageutil")};
+  for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addchdir_np(&actions, folder_.c_str());
+  posix_spawn_file_actions_adddup2(&actions, in, 0);
+  posix_spawn_file_actions_adddup2(&actions, out, 1);
+  posix_spawn_file_actions_addopen(&actions, 2, errors_.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  pid_t child = -1;
+  EXPECT_EQ(posix_spawn(&child, ZELM_TOOL, &actions, nullptr, argv.data(), environ), 0);
+  posix_spawn_file_actions_destroy(&actions);
+  return child;
+}
+
+int ToolTest::waitFor(pid_t child) {
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return status;
+}
+
+ToolResult ToolTest::run(const Args& args, const std::string& input) {
+  store(folder_ + ".in", input);
+  const int in = open((folder_ + ".in").c_str(), O_RDONLY | O_CLOEXEC);
+  const int out =
+      open((folder_ + ".out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  const int status = waitFor(start(args, in, out));
+  close(in);
+  close(out);
+  EXPECT_TRUE(WIFEXITED(status));
+  return {WEXITSTATUS(status), contents(folder_ + ".out"), contents(errors_)};
+}
+
+std::string ToolTest::runOk(const Args& args, const std::string& input) {
+  const ToolResult result = run(args, input);
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  return result.out;
+}
+
+void ToolTest::expectRefusal(const Args& args, const std::string& words,
+                             const std::string& input) {
+  const std::vector<std::string> before = files();
+  const ToolResult result = run(args, input);
+  EXPECT_EQ(result.status, 2) << words;
+  EXPECT_EQ(result.out, "") << words;
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  EXPECT_NE(result.err.find(words), std::string::npos) << result.err;
+  EXPECT_EQ(files(), before) << words;
+}
+
+std::string ToolTest::load(const std::string& name) const {
+  return contents(path(name));
+}
+
+void ToolTest::save(const std::string& name, const std::string& bytes) const {
+  store(path(name), bytes);
+}
+
+std::vector<std::string> ToolTest::files() const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string ToolTest::noise(size_t count, uint32_t seed) {
+  std::string bytes(count, '\0');
+  for (char& byte : bytes) {
+    seed = seed * 1664525u + 1013904223u;
+    byte = static_cast<char>(seed >> 24);
+  }
+  return bytes;
+}

@@ -1,0 +1,50 @@
+#ifndef ZELM_TESTS_TOOL_PROCESS_H
+#define ZELM_TESTS_TOOL_PROCESS_H
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct ToolResult {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+// A folder of its own for every test, in which the program runs.
+class ToolTest : public ::testing::Test {
+ protected:
+  using Args = std::vector<std::string>;
+
+  ToolTest();
+  ~ToolTest() override;
+
+  // Runs the program with `input` as standard input.
+  ToolResult run(const Args& args, const std::string& input = "");
+  // The same, expecting success; returns standard output.
+  std::string runOk(const Args& args, const std::string& input = "");
+  // The same, expecting one line on standard error with `words`, status 2, nothing on
+  // standard output and no file more or less in the folder.
+  void expectRefusal(const Args& args, const std::string& words,
+                     const std::string& input = "");
+  // Starts the program with these descriptors as standard input and output.
+  pid_t start(const Args& args, int in, int out);
+  static int waitFor(pid_t child);  // the wait status
+
+  std::string path(const std::string& name) const { return folder_ + "/" + name; }
+  std::string load(const std::string& name) const;
+  void save(const std::string& name, const std::string& bytes) const;
+  std::vector<std::string> files() const;
+
+  // Bytes that look like noise, the same for every run.
+  static std::string noise(size_t count, uint32_t seed = 1);
+
+ private:
+  std::string folder_;
+  std::string errors_;  // standard error, beside the folder
+};
+
+#endif  // ZELM_TESTS_TOOL_PROCESS_H
