@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "zelm_imageutil.h"
 
@@ -43,6 +44,26 @@ inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
 // Chroma of a semi-planar 4:2:0 frame.
 inline Region chromaRegion(const ImageStruct& image) {
   return chromaRegionAt(image, image.uvOffset);
+}
+
+// How many rows a kernel is given, and of how many bytes.
+struct RowSpan {
+  size_t rows;
+  size_t bytes;
+};
+
+// Rows without gaps between them, on both sides, are one long row.
+inline RowSpan joinRows(const Region& to, const Region& from, size_t rows,
+                        size_t bytes) {
+  if (to.stride == bytes && from.stride == bytes) return {1, rows * bytes};
+  return {rows, bytes};
+}
+
+inline void copyRows(const Region& to, const Region& from, size_t rows, size_t bytes) {
+  const RowSpan span = joinRows(to, from, rows, bytes);
+  for (size_t y = 0; y < span.rows; ++y) {
+    std::memcpy(to.row(y), from.row(y), span.bytes);
+  }
 }
 
 // Bytes of the luma plane; the multiplication cannot overflow in 64 bits.

@@ -21,6 +21,11 @@ function(zelm_library_tests prefix objects)
 endfunction()
 
 zelm_library_tests(library zelm_objects)
+foreach(set avx2 sse4 plain)
+  if(TARGET zelm_objects_${set})
+    zelm_library_tests(${set} zelm_objects_${set})
+  endif()
+endforeach()
 
 # The public header in each language, and the shared library from C.
 foreach(standard 99 11)

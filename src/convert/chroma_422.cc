@@ -1,56 +1,95 @@
 // Semi-planar 4:2:0 to 4:2:2: every chroma row becomes two, itself and the mean of
 // it and the next row, rounded down; the region's last row is repeated.
-#include <cstring>
-
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "convert/chroma_422.cc"
+#include "simd/each_target.h"
 #include "plane.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Region;
+#if ZELM_VECTORS
+// The instruction rounds up, so the complements are averaged.
+HWY_INLINE Vec<U8> meanRoundedDown(Vec<U8> a, Vec<U8> b) {
+  return hn::Not(hn::AverageRound(hn::Not(a), hn::Not(b)));
+}
+#endif
 
-// Where byte i of a row comes from.
-struct KeepPairs {
-  static size_t position(size_t i) { return i; }
-};
-struct SwapPairs {
-  static size_t position(size_t i) { return i ^ 1; }
-};
-
-template <class Order>
-void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row, const uint8_t* next,
-               size_t bytes) {
-  for (size_t i = 0; i < bytes; ++i) {
-    const size_t p = Order::position(i);
+// Pairs keep their order, or are exchanged.
+template <bool kSwap>
+HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
+                          const uint8_t* next, size_t bytes) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = inBlocks(bytes, kBytes, [&](size_t i) HWY_ATTR {
+    Vec<U8> a = load(row + i), b = load(next + i);
+    if (kSwap) {
+      a = swapPairs(a);
+      b = swapPairs(b);
+    }
+    store(a, even + i);
+    store(meanRoundedDown(a, b), odd + i);
+  });
+#endif
+  for (size_t i = done; i < bytes; ++i) {
+    const size_t p = kSwap ? i ^ 1 : i;
     even[i] = row[p];
     odd[i] = static_cast<uint8_t>((row[p] + next[p]) >> 1);
   }
 }
 
-template <class Order>
-void expand(const ImageStruct& dst, const ImageStruct& src) {
-  const Region luma = zelm::lumaRegion(src), lumaTo = zelm::lumaRegion(dst);
-  for (size_t y = 0; y < luma.rows; ++y) {
-    std::memcpy(lumaTo.row(y), luma.row(y), luma.columns);
-  }
+void expandRowKept(uint8_t* even, uint8_t* odd, const uint8_t* row, const uint8_t* next,
+                   size_t bytes) {
+  expandRow<false>(even, odd, row, next, bytes);
+}
+
+void expandRowSwapped(uint8_t* even, uint8_t* odd, const uint8_t* row,
+                      const uint8_t* next, size_t bytes) {
+  expandRow<true>(even, odd, row, next, bytes);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
+using ExpandRow = void(uint8_t* even, uint8_t* odd, const uint8_t* row,
+                       const uint8_t* next, size_t bytes);
+
+void expandFrame(const ImageStruct& dst, const ImageStruct& src, ExpandRow* expand) {
+  const Region luma = lumaRegion(src), lumaTo = lumaRegion(dst);
+  copyRows(lumaTo, luma, luma.rows, luma.columns);
 
   // The 4:2:2 chroma plane has luma's geometry, only elsewhere.
-  const Region chroma = zelm::chromaRegion(src);
+  const Region chroma = chromaRegion(src);
   Region to = lumaTo;
   to.origin += dst.uvOffset;
   for (size_t k = 0; k < chroma.rows; ++k) {
     const uint8_t* row = chroma.row(k);
     const uint8_t* next = k + 1 < chroma.rows ? chroma.row(k + 1) : row;
-    expandRow<Order>(to.row(2 * k), to.row(2 * k + 1), row, next, 2 * chroma.columns);
+    expand(to.row(2 * k), to.row(2 * k + 1), row, next, 2 * chroma.columns);
   }
 }
 
 }  // namespace
+}  // namespace zelm
 
 extern "C" void convYUV420SP_YUV422SP(ImageStruct* dst, ImageStruct* src) {
-  expand<KeepPairs>(*dst, *src);
+  using namespace zelm;
+  expandFrame(*dst, *src, ZELM_KERNEL(expandRowKept));
 }
 
 extern "C" void convYUV420SP_YUV422SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
-  expand<SwapPairs>(*dst, *src);
+  using namespace zelm;
+  expandFrame(*dst, *src, ZELM_KERNEL(expandRowSwapped));
 }
+#endif  // HWY_ONCE

@@ -1,24 +1,44 @@
 // Planar 4:2:0 to semi-planar: the chroma planes, packed one behind the other, are
 // interleaved. Whole frames.
-#include <cstring>
-
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "convert/planar_to_semi_planar.cc"
+#include "simd/each_target.h"
 #include "plane.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-void joinPairs(uint8_t* to, const uint8_t* first, const uint8_t* second, size_t pairs) {
-  for (size_t j = 0; j < pairs; ++j) {
+void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
+                  size_t pairs) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
+    hn::StoreInterleaved2(load(first + j), load(second + j), u8, to + 2 * j);
+  });
+#endif
+  for (size_t j = done; j < pairs; ++j) {
     to[2 * j] = first[j];
     to[2 * j + 1] = second[j];
   }
 }
 
+}  // namespace HWY_NAMESPACE
 }  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
 
+#if HWY_ONCE
 extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
+  using namespace zelm;
   const size_t luma = static_cast<size_t>(src->height) * src->width;
   std::memcpy(dst->data, src->data, luma);
   const uint8_t* first = src->data + src->uvOffset;
-  joinPairs(dst->data + dst->uvOffset, first, first + luma / 4, luma / 4);
+  ZELM_KERNEL(joinPairsRow)
+  (dst->data + dst->uvOffset, first, first + luma / 4, luma / 4);
 }
+#endif  // HWY_ONCE

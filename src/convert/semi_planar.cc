@@ -1,67 +1,102 @@
 // Semi-planar 4:2:0 copied, with its chroma pairs exchanged, or split into planes.
-#include <cstring>
-
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
+#include "simd/each_target.h"
 #include "plane.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Region;
-
-void copyRows(const Region& to, const Region& from, size_t rows, size_t bytes) {
-  if (to.stride == bytes && from.stride == bytes) {
-    std::memcpy(to.origin, from.origin, rows * bytes);
-    return;
-  }
-  for (size_t y = 0; y < rows; ++y) std::memcpy(to.row(y), from.row(y), bytes);
-}
-
-void swapPairsRow(uint8_t* to, const uint8_t* from, size_t pairs) {
-  for (size_t j = 0; j < pairs; ++j) {
-    to[2 * j] = from[2 * j + 1];
-    to[2 * j + 1] = from[2 * j];
+void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = inBlocks(bytes, 2 * kBytes, [&](size_t i) HWY_ATTR {
+    const Vec<U8> a = swapPairs(load(from + i)), b = swapPairs(load(from + i + kBytes));
+    store(a, to + i);
+    store(b, to + i + kBytes);
+  });
+#endif
+  for (size_t i = done; i < bytes; i += 2) {
+    to[i] = from[i + 1];
+    to[i + 1] = from[i];
   }
 }
 
 void splitPairsRow(uint8_t* first, uint8_t* second, const uint8_t* from, size_t pairs) {
-  for (size_t j = 0; j < pairs; ++j) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
+    const SplitPairs split = loadPairs(from + 2 * j);
+    store(split.first, first + j);
+    store(split.second, second + j);
+  });
+#endif
+  for (size_t j = done; j < pairs; ++j) {
     first[j] = from[2 * j];
     second[j] = from[2 * j + 1];
   }
 }
 
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
 size_t roundUpTo16(size_t value) { return (value + 15) / 16 * 16; }
 
-}  // namespace
-
-extern "C" void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
-  const Region luma = zelm::lumaRegion(*src), chroma = zelm::chromaRegion(*src);
-  copyRows(zelm::lumaRegion(*dst), luma, luma.rows, dst->roiWidth);
-  copyRows(zelm::chromaRegion(*dst), chroma, chroma.rows, dst->roiWidth);
-}
-
-extern "C" void convYUV420SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
-  const Region luma = zelm::lumaRegion(*src);
-  copyRows(zelm::lumaRegion(*dst), luma, luma.rows, dst->roiWidth);
-
-  const Region from = zelm::chromaRegion(*src), to = zelm::chromaRegion(*dst);
-  for (size_t k = 0; k < from.rows; ++k)
-    swapPairsRow(to.row(k), from.row(k), to.columns);
+void swapPlane(const Region& to, const Region& from) {
+  const auto swapRow = ZELM_KERNEL(swapPairsRow);
+  const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
+  for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
 }
 
 // Whole frames. The chroma rows of the planar side are padded to multiples of 16
 // bytes, the luma rows are not; the planes lie where padded luma rows would end.
-extern "C" void convYUV420SP_YUV420P(ImageStruct* dst, ImageStruct* src) {
-  const size_t height = dst->height, pairs = dst->width / 2, rows = height / 2;
-  const size_t lumaStride = roundUpTo16(dst->width);
+void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
+  const size_t height = dst.height, pairs = dst.width / 2, rows = height / 2;
+  const size_t lumaStride = roundUpTo16(dst.width);
   const size_t chromaStride = roundUpTo16(lumaStride / 2);
-  std::memcpy(dst->data, src->data, static_cast<size_t>(src->height) * src->width);
+  std::memcpy(dst.data, src.data, static_cast<size_t>(src.height) * src.width);
 
-  uint8_t* first = dst->data + height * lumaStride;
+  const auto splitRow = ZELM_KERNEL(splitPairsRow);
+  uint8_t* first = dst.data + height * lumaStride;
   uint8_t* second = first + height * chromaStride / 2;
-  const uint8_t* from = src->data + src->uvOffset;
+  const uint8_t* from = src.data + src.uvOffset;
+  if (chromaStride == pairs) {
+    splitRow(first, second, from, rows * pairs);
+    return;
+  }
   for (size_t k = 0; k < rows; ++k) {
-    splitPairsRow(first + k * chromaStride, second + k * chromaStride,
-                  from + k * 2 * pairs, pairs);
+    splitRow(first + k * chromaStride, second + k * chromaStride, from + k * 2 * pairs,
+             pairs);
   }
 }
+
+}  // namespace
+}  // namespace zelm
+
+extern "C" void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
+  const zelm::Region luma = zelm::lumaRegion(*src), chroma = zelm::chromaRegion(*src);
+  zelm::copyRows(zelm::lumaRegion(*dst), luma, luma.rows, dst->roiWidth);
+  zelm::copyRows(zelm::chromaRegion(*dst), chroma, chroma.rows, dst->roiWidth);
+}
+
+extern "C" void convYUV420SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
+  const zelm::Region luma = zelm::lumaRegion(*src);
+  zelm::copyRows(zelm::lumaRegion(*dst), luma, luma.rows, dst->roiWidth);
+  zelm::swapPlane(zelm::chromaRegion(*dst), zelm::chromaRegion(*src));
+}
+
+extern "C" void convYUV420SP_YUV420P(ImageStruct* dst, ImageStruct* src) {
+  zelm::splitFrame(*dst, *src);
+}
+#endif  // HWY_ONCE

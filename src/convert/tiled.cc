@@ -3,93 +3,136 @@
 // A tile holds its left 8 columns, row by row, then its right 8. Luma tiles have 16
 // rows, chroma tiles 8; tiled pairs are U, V, so chroma is exchanged on the way.
 // Bytes of an edge tile that lie outside the frame are neither read nor written.
-#include <cstring>
-
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "convert/tiled.cc"
+#include "simd/each_target.h"
 #include "plane.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
+
+// Between the linear and the tiled plane, whichever of the two is read.
+template <bool kToTiled>
+HWY_INLINE uint8_t* target(uint8_t* linear, uint8_t* tiled) {
+  return kToTiled ? tiled : linear;
+}
+
+// A part of a tile: the columns and rows of it that lie in the frame.
+template <bool kToTiled, bool kSwap>
+HWY_INLINE void movePart(uint8_t* linear, size_t stride, uint8_t* tile,
+                         size_t halfBytes, size_t columns, size_t rows) {
+  for (size_t y = 0; y < rows; ++y) {
+    for (size_t x = 0; x < columns; ++x) {
+      const size_t swapped = kSwap ? x ^ 1 : x;
+      uint8_t* in = tile + (x / 8) * halfBytes + 8 * y + x % 8;
+      uint8_t* out = linear + y * stride + swapped;
+      *target<kToTiled>(out, in) = *target<!kToTiled>(out, in);
+    }
+  }
+}
+
+#if ZELM_VECTORS
+// Two rows of 16 bytes are, halves exchanged, two rows of each half.
+template <bool kToTiled, bool kSwap, size_t kRows>
+HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
+  const hn::Full128<uint8_t> block;
+  const hn::Full128<uint64_t> halves;
+  const auto loadBlock = [&](const uint8_t* from) HWY_ATTR {
+    auto v = hn::LoadU(block, from);
+    if (kSwap) {
+      const auto words = hn::BitCast(hn::Full128<uint16_t>(), v);
+      v = hn::BitCast(block,
+                      hn::Or(hn::ShiftLeft<8>(words), hn::ShiftRight<8>(words)));
+    }
+    return hn::BitCast(halves, v);
+  };
+  for (size_t y = 0; y < kRows; y += 2) {
+    uint8_t* row[2] = {linear + y * stride, linear + (y + 1) * stride};
+    uint8_t* half[2] = {tile + 8 * y, tile + 8 * (kRows + y)};
+    uint8_t** from = kToTiled ? row : half;
+    uint8_t** to = kToTiled ? half : row;
+    const auto a = loadBlock(from[0]), b = loadBlock(from[1]);
+    hn::StoreU(hn::BitCast(block, hn::InterleaveLower(halves, a, b)), block, to[0]);
+    hn::StoreU(hn::BitCast(block, hn::InterleaveUpper(halves, a, b)), block, to[1]);
+  }
+}
+#endif
+
+// One row of tiles. `columns` is also the linear stride.
+template <bool kToTiled, bool kSwap, size_t kRows>
+HWY_INLINE void moveTiles(uint8_t* linear, uint8_t* tile, size_t columns, size_t rows) {
+  size_t x = 0;
+#if ZELM_VECTORS
+  for (; rows == kRows && x + 16 <= columns; x += 16, tile += 16 * kRows) {
+    moveTile<kToTiled, kSwap, kRows>(linear + x, columns, tile);
+  }
+#endif
+  for (; x < columns; x += 16, tile += 16 * kRows) {
+    const size_t left = columns - x;
+    movePart<kToTiled, kSwap>(linear + x, columns, tile, 8 * kRows,
+                              left < 16 ? left : 16, rows);
+  }
+}
+
+void lumaToTiles(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows) {
+  moveTiles<true, false, 16>(linear, tiled, columns, rows);
+}
+void chromaToTiles(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows) {
+  moveTiles<true, true, 8>(linear, tiled, columns, rows);
+}
+void tilesToLuma(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows) {
+  moveTiles<false, false, 16>(linear, tiled, columns, rows);
+}
+void tilesToChroma(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows) {
+  moveTiles<false, true, 8>(linear, tiled, columns, rows);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
+using MoveTiles = void(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows);
 
 // One plane in both layouts: `columns` bytes by `rows` rows, which is also the
 // linear stride, in tiles of 16 bytes by `tileRows` rows.
-struct Planes {
-  uint8_t* linear;
-  uint8_t* tiled;
-  size_t columns;
-  size_t rows;
-  size_t tileRows;
-};
-
-struct Keep {
-  static void move(uint8_t* to, const uint8_t* from, size_t bytes) {
-    std::memcpy(to, from, bytes);
+void movePlane(MoveTiles* move, uint8_t* linear, uint8_t* tiled, size_t columns,
+               size_t rows, size_t tileRows) {
+  const size_t tileRowBytes = (columns + 15) / 16 * 16 * tileRows;
+  for (size_t y = 0; y < rows; y += tileRows) {
+    const size_t left = rows - y;
+    move(linear + y * columns, tiled, columns, left < tileRows ? left : tileRows);
+    tiled += tileRowBytes;
   }
-};
-
-struct SwapPairs {
-  static void move(uint8_t* to, const uint8_t* from, size_t bytes) {
-    for (size_t i = 0; i < bytes; ++i) to[i] = from[i ^ 1];
-  }
-};
-
-struct ToLinear {
-  template <class Pairs>
-  static void move(uint8_t* linear, uint8_t* tiled, size_t bytes) {
-    Pairs::move(linear, tiled, bytes);
-  }
-};
-
-struct ToTiled {
-  template <class Pairs>
-  static void move(uint8_t* linear, uint8_t* tiled, size_t bytes) {
-    Pairs::move(tiled, linear, bytes);
-  }
-};
-
-// Half a tile: up to 8 bytes of each of `rows` rows.
-template <class Direction, class Pairs>
-void moveHalf(uint8_t* linear, size_t stride, uint8_t* tiled, size_t rows,
-              size_t bytes) {
-  for (size_t y = 0; y < rows; ++y) {
-    Direction::template move<Pairs>(linear + y * stride, tiled + 8 * y, bytes);
-  }
-}
-
-template <class Direction, class Pairs>
-void movePlane(const Planes& plane) {
-  const size_t tileBytes = 16 * plane.tileRows, halfBytes = tileBytes / 2;
-  uint8_t* tile = plane.tiled;
-  for (size_t y = 0; y < plane.rows; y += plane.tileRows) {
-    const size_t left = plane.rows - y;
-    const size_t rows = left < plane.tileRows ? left : plane.tileRows;
-    uint8_t* linear = plane.linear + y * plane.columns;
-    for (size_t x = 0; x < plane.columns; x += 8) {
-      const size_t bytes = plane.columns - x < 8 ? plane.columns - x : 8;
-      uint8_t* half = tile + x / 16 * tileBytes + (x % 16 != 0 ? halfBytes : 0);
-      moveHalf<Direction, Pairs>(linear + x, plane.columns, half, rows, bytes);
-    }
-    tile += (plane.columns + 15) / 16 * tileBytes;
-  }
-}
-
-// The frame's size is the source region's. Source chroma is found by uvOffset, the
-// destination's lies behind its luma.
-template <class Direction>
-void moveFrame(uint8_t* linearLuma, uint8_t* linearChroma, uint8_t* tiledLuma,
-               uint8_t* tiledChroma, size_t width, size_t height) {
-  movePlane<Direction, Keep>({linearLuma, tiledLuma, width, height, 16});
-  movePlane<Direction, SwapPairs>({linearChroma, tiledChroma, width, height / 2, 8});
 }
 
 }  // namespace
+}  // namespace zelm
 
+// The frame's size is the source region's. Source chroma is found by uvOffset, the
+// destination's lies behind its luma.
 extern "C" void convYUV420SPMB_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
-  moveFrame<ToLinear>(dst->data, dst->data + zelm::lumaBytes(*dst), src->data,
-                      src->data + src->uvOffset, src->roiWidth, src->roiHeight);
+  using namespace zelm;
+  const size_t width = src->roiWidth, height = src->roiHeight;
+  movePlane(ZELM_KERNEL(tilesToLuma), dst->data, src->data, width, height, 16);
+  movePlane(ZELM_KERNEL(tilesToChroma), dst->data + lumaBytes(*dst),
+            src->data + src->uvOffset, width, height / 2, 8);
 }
 
 extern "C" void convYUV420SPVU_YUV420SPMB(ImageStruct* dst, ImageStruct* src) {
-  moveFrame<ToTiled>(src->data, src->data + src->uvOffset, dst->data,
-                     dst->data + zelm::tiledLumaBytes(dst->width, dst->height),
-                     src->roiWidth, src->roiHeight);
+  using namespace zelm;
+  const size_t width = src->roiWidth, height = src->roiHeight;
+  movePlane(ZELM_KERNEL(lumaToTiles), src->data, dst->data, width, height, 16);
+  movePlane(ZELM_KERNEL(chromaToTiles), src->data + src->uvOffset,
+            dst->data + tiledLumaBytes(dst->width, dst->height), width, height / 2, 8);
 }
+#endif  // HWY_ONCE

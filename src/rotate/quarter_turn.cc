@@ -1,55 +1,115 @@
 // A luma region turned by a quarter turn: D(x, y) = S(y, H - 1 - x) clockwise,
-// S(W - 1 - y, x) counter-clockwise. Tiles are walked so that both sides stay in
-// the cache.
+// S(W - 1 - y, x) counter-clockwise. Both are transpositions that walk the source
+// rows, or the destination rows, backwards.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rotate/quarter_turn.cc"
+#include "simd/each_target.h"
 #include "plane.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Region;
-
-constexpr size_t kTile = 16;
-
-// Writes `columns` x `rows` samples: rows are `from` + y * step, samples along them
-// `across` apart.
-void turnTile(uint8_t* to, size_t stride, const uint8_t* from, ptrdiff_t across,
-              ptrdiff_t step, size_t columns, size_t rows) {
+// to(x, y) = from(y, x) for `columns` x `rows` samples of the destination; strides are
+// signed.
+HWY_INLINE void transposePart(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
+                              ptrdiff_t fromStride, size_t columns, size_t rows) {
   for (size_t y = 0; y < rows; ++y) {
     for (size_t x = 0; x < columns; ++x) {
-      to[y * stride + x] =
-          from[static_cast<ptrdiff_t>(y) * step + static_cast<ptrdiff_t>(x) * across];
+      to[static_cast<ptrdiff_t>(y) * toStride + static_cast<ptrdiff_t>(x)] =
+          from[static_cast<ptrdiff_t>(x) * fromStride + static_cast<ptrdiff_t>(y)];
     }
   }
 }
 
-// `first` becomes the top left of the destination; `across` and `step` lead from a
-// destination sample's source to that of its right and lower neighbour.
-void turn(const Region& to, const uint8_t* first, ptrdiff_t across, ptrdiff_t step,
-          size_t columns, size_t rows) {
-  for (size_t y = 0; y < rows; y += kTile) {
-    const size_t tileRows = rows - y < kTile ? rows - y : kTile;
-    for (size_t x = 0; x < columns; x += kTile) {
-      const size_t tileColumns = columns - x < kTile ? columns - x : kTile;
-      turnTile(
-          to.row(y) + x, to.stride,
-          first + static_cast<ptrdiff_t>(y) * step + static_cast<ptrdiff_t>(x) * across,
-          across, step, tileColumns, tileRows);
-    }
+#if ZELM_VECTORS
+// Interleaving rows i and i + 8 four times transposes 16 x 16 bytes.
+HWY_INLINE void interleaveHalves(const Vec<U8> (&in)[16], Vec<U8> (&out)[16]) {
+  for (size_t i = 0; i < 8; ++i) {
+    out[2 * i] = hn::InterleaveLower(u8, in[i], in[i + 8]);
+    out[2 * i + 1] = hn::InterleaveUpper(u8, in[i], in[i + 8]);
+  }
+}
+
+// 16 rows of kBytes samples; block b of a vector transposes source rows from 16 b on.
+HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
+                              ptrdiff_t fromStride) {
+  Vec<U8> a[16], b[16];
+  for (ptrdiff_t i = 0; i < 16; ++i) {
+    a[i] = loadBlocks([=](ptrdiff_t block) HWY_ATTR {
+      return from + (16 * block + i) * fromStride;
+    });
+  }
+  interleaveHalves(a, b);
+  interleaveHalves(b, a);
+  interleaveHalves(a, b);
+  interleaveHalves(b, a);
+  for (ptrdiff_t i = 0; i < 16; ++i) store(a[i], to + i * toStride);
+}
+#endif
+
+// One band of at most 64 destination rows.
+void transposeBand(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
+                   ptrdiff_t fromStride, size_t columns, size_t rows) {
+  size_t doneRows = 0;
+#if ZELM_VECTORS
+  // Tiles that go down the band first use up whole cache lines of the source.
+  if (rows >= 16) {
+    doneRows = rows;
+    const size_t doneColumns = inBlocks(columns, kBytes, [&](size_t x) HWY_ATTR {
+      inBlocks(rows, 16, [&](size_t y) HWY_ATTR {
+        transposeTile(to + static_cast<ptrdiff_t>(y) * toStride + x, toStride,
+                      from + static_cast<ptrdiff_t>(x) * fromStride + y, fromStride);
+      });
+    });
+    if (doneColumns == 0) doneRows = 0;
+  }
+#endif
+  transposePart(to + static_cast<ptrdiff_t>(doneRows) * toStride, toStride,
+                from + doneRows, fromStride, columns, rows - doneRows);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
+// to(x, y) = from(y, x), in bands whose source columns fill a cache line.
+void transpose(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
+               ptrdiff_t fromStride, size_t columns, size_t rows) {
+  constexpr size_t kBand = 64;
+  const auto band = ZELM_KERNEL(transposeBand);
+  for (size_t y = 0; y < rows; y += kBand) {
+    const size_t left = rows - y;
+    band(to + static_cast<ptrdiff_t>(y) * toStride, toStride, from + y, fromStride,
+         columns, left < kBand ? left : kBand);
   }
 }
 
 }  // namespace
+}  // namespace zelm
 
 extern "C" void rotate90_Y(ImageStruct* dst, ImageStruct* src) {
-  const Region from = zelm::lumaRegion(*src);
+  using namespace zelm;
+  const Region from = lumaRegion(*src), to = lumaRegion(*dst);
   if (from.empty()) return;
-  turn(zelm::lumaRegion(*dst), from.row(from.rows - 1),
-       -static_cast<ptrdiff_t>(from.stride), 1, from.rows, from.columns);
+  transpose(to.origin, static_cast<ptrdiff_t>(to.stride), from.row(from.rows - 1),
+            -static_cast<ptrdiff_t>(from.stride), from.rows, from.columns);
 }
 
 extern "C" void rotate270_Y(ImageStruct* dst, ImageStruct* src) {
-  const Region from = zelm::lumaRegion(*src);
+  using namespace zelm;
+  const Region from = lumaRegion(*src), to = lumaRegion(*dst);
   if (from.empty()) return;
-  turn(zelm::lumaRegion(*dst), from.origin + from.columns - 1,
-       static_cast<ptrdiff_t>(from.stride), -1, from.rows, from.columns);
+  transpose(to.row(from.columns - 1), -static_cast<ptrdiff_t>(to.stride), from.origin,
+            static_cast<ptrdiff_t>(from.stride), from.rows, from.columns);
 }
+#endif  // HWY_ONCE

@@ -1,29 +1,53 @@
 // A luma region copied, or turned by half a turn.
-#include <cstring>
-
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rotate/upright.cc"
+#include "simd/each_target.h"
 #include "plane.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Region;
+#if ZELM_VECTORS
+HWY_INLINE Vec<U8> reverse(Vec<U8> v) {
+  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
+                                                         7,  6,  5,  4,  3,  2,  1, 0};
+  return hn::ReverseBlocks(u8, pickInBlocks(v, everyBlock(kBackwards)));
+}
+#endif
 
 void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
-  for (size_t x = 0; x < bytes; ++x) to[x] = from[bytes - 1 - x];
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = inBlocks(bytes, kBytes, [&](size_t x) HWY_ATTR {
+    store(reverse(load(from + bytes - kBytes - x)), to + x);
+  });
+#endif
+  for (size_t x = done; x < bytes; ++x) to[x] = from[bytes - 1 - x];
 }
 
+}  // namespace HWY_NAMESPACE
 }  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
 
+#if HWY_ONCE
 extern "C" void rotate0_Y(ImageStruct* dst, ImageStruct* src) {
-  const Region from = zelm::lumaRegion(*src), to = zelm::lumaRegion(*dst);
-  for (size_t y = 0; y < from.rows; ++y) {
-    std::memcpy(to.row(y), from.row(y), from.columns);
-  }
+  const zelm::Region from = zelm::lumaRegion(*src);
+  zelm::copyRows(zelm::lumaRegion(*dst), from, from.rows, from.columns);
 }
 
 extern "C" void rotate180_Y(ImageStruct* dst, ImageStruct* src) {
-  const Region from = zelm::lumaRegion(*src), to = zelm::lumaRegion(*dst);
-  for (size_t y = 0; y < from.rows; ++y) {
-    reverseRow(to.row(y), from.row(from.rows - 1 - y), from.columns);
+  using namespace zelm;
+  const Region from = lumaRegion(*src), to = lumaRegion(*dst);
+  const auto turnRow = ZELM_KERNEL(reverseRow);
+  const RowSpan span = joinRows(to, from, from.rows, from.columns);
+  for (size_t y = 0; y < span.rows; ++y) {
+    turnRow(to.row(y), from.row(span.rows - 1 - y), span.bytes);
   }
 }
+#endif  // HWY_ONCE

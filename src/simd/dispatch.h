@@ -1,0 +1,51 @@
+// ZELM_KERNEL(name): the function `name` of the instruction set to run with, out of
+// those that simd/each_target.h has compiled. To be used under #if HWY_ONCE.
+#ifndef ZELM_SRC_SIMD_DISPATCH_H_
+#define ZELM_SRC_SIMD_DISPATCH_H_
+
+#include "simd/each_target.h"
+#include "simd/instruction_set.h"
+
+#if ZELM_HIGHWAY && defined(__x86_64__)
+
+namespace zelm {
+
+template <class Kernel>
+Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512) {
+  Kernel* const kernels[] = {plain, sse4, avx2, avx512};
+  return kernels[static_cast<int>(instructionSet())];
+}
+
+}  // namespace zelm
+
+// A set below the compiler's own baseline is not compiled; the baseline stands in.
+#if HWY_TARGETS & HWY_SCALAR
+#define ZELM_PLAIN(name) N_SCALAR::name
+#else
+#define ZELM_PLAIN(name) HWY_NAMESPACE::name
+#endif
+#if HWY_TARGETS & HWY_SSE4
+#define ZELM_SSE4(name) N_SSE4::name
+#else
+#define ZELM_SSE4(name) HWY_NAMESPACE::name
+#endif
+#if HWY_TARGETS & HWY_AVX2
+#define ZELM_AVX2(name) N_AVX2::name
+#else
+#define ZELM_AVX2(name) HWY_NAMESPACE::name
+#endif
+#if HWY_TARGETS & HWY_AVX3
+#define ZELM_AVX512(name) N_AVX3::name
+#else
+#define ZELM_AVX512(name) HWY_NAMESPACE::name
+#endif
+#define ZELM_KERNEL(name) \
+  pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), &ZELM_AVX512(name))
+
+#else
+
+#define ZELM_KERNEL(name) (&HWY_NAMESPACE::name)
+
+#endif
+
+#endif  // ZELM_SRC_SIMD_DISPATCH_H_

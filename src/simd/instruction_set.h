@@ -1,0 +1,27 @@
+// Which of the compiled instruction sets a call runs with.
+#ifndef ZELM_SRC_SIMD_INSTRUCTION_SET_H_
+#define ZELM_SRC_SIMD_INSTRUCTION_SET_H_
+
+namespace zelm {
+
+// In rising order. On processors other than x86-64 the choice is made when the
+// library is compiled, and only the last one counts.
+enum class InstructionSet { kPlain, kSse4, kAvx2, kAvx512 };
+
+// What the processor and the operating system offer.
+struct ProcessorFeatures {
+  bool sse4;     // SSSE3, SSE4.1, SSE4.2
+  bool avx2;     // AVX2, BMI1, BMI2, FMA
+  bool avx512;   // AVX-512 F, VL, DQ, BW
+};
+
+// The highest set that is offered with all below it, and not above `ceiling`.
+InstructionSet chooseInstructionSet(const ProcessorFeatures& features,
+                                    InstructionSet ceiling);
+
+// The same for this machine. The answer never changes while a process runs.
+InstructionSet instructionSet();
+
+}  // namespace zelm
+
+#endif  // ZELM_SRC_SIMD_INSTRUCTION_SET_H_

@@ -1,0 +1,269 @@
+// Vector helpers that more than one stage uses. Included once per instruction set,
+// so there is no ordinary include guard.
+//
+// On x86 most instructions work on blocks of 128 bits. Names say what that means for
+// the order: `...InBlocks` keeps lanes inside their block.
+#if defined(ZELM_SRC_SIMD_VECTOR_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef ZELM_SRC_SIMD_VECTOR_INL_H_
+#undef ZELM_SRC_SIMD_VECTOR_INL_H_
+#else
+#define ZELM_SRC_SIMD_VECTOR_INL_H_
+#endif
+
+#include <cstddef>
+#include <cstdint>
+
+#if ZELM_HIGHWAY
+#include "hwy/highway.h"
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+// Calls body(i) for blocks of `block` items, the last one moved back so that it ends
+// at `count`. Gives the number of items done: all, or 0 if there is no whole block.
+template <class Body>
+HWY_INLINE size_t inBlocks(size_t count, size_t block, const Body& body) {
+  if (count < block) return 0;
+  size_t i = 0;
+  for (; i + block <= count; i += block) body(i);
+  if (i < count) body(count - block);
+  return count;
+}
+
+#if ZELM_VECTORS
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using U8 = hn::ScalableTag<uint8_t>;
+using U16 = hn::ScalableTag<uint16_t>;
+using U32 = hn::ScalableTag<uint32_t>;
+using U64 = hn::ScalableTag<uint64_t>;
+using I8 = hn::ScalableTag<int8_t>;
+using I16 = hn::ScalableTag<int16_t>;
+using I32 = hn::ScalableTag<int32_t>;
+
+template <class D>
+using Vec = hn::VFromD<D>;
+
+constexpr U8 u8;
+constexpr U16 u16;
+constexpr U32 u32;
+constexpr U64 u64;
+constexpr I8 i8;
+constexpr I16 i16;
+constexpr I32 i32;
+
+// Bytes in a vector, and in 128-bit blocks.
+constexpr size_t kBytes = HWY_LANES(uint8_t);
+constexpr size_t kBlocks = kBytes / 16;
+
+HWY_INLINE Vec<U8> load(const uint8_t* from) { return hn::LoadU(u8, from); }
+HWY_INLINE void store(Vec<U8> v, uint8_t* to) { hn::StoreU(v, u8, to); }
+
+template <class V>
+HWY_INLINE Vec<U16> asU16(V v) {
+  return hn::BitCast(u16, v);
+}
+template <class V>
+HWY_INLINE Vec<I16> asI16(V v) {
+  return hn::BitCast(i16, v);
+}
+template <class V>
+HWY_INLINE Vec<U8> asU8(V v) {
+  return hn::BitCast(u8, v);
+}
+
+// The lower and the upper byte of each 16-bit lane.
+HWY_INLINE Vec<U16> lowBytes(Vec<U8> v) {
+  return hn::And(asU16(v), hn::Set(u16, 0x00FF));
+}
+HWY_INLINE Vec<U16> highBytes(Vec<U8> v) { return hn::ShiftRight<8>(asU16(v)); }
+
+// The same 16 bytes in every block.
+HWY_INLINE Vec<U8> everyBlock(const uint8_t (&bytes)[16]) {
+  return hn::LoadDup128(u8, bytes);
+}
+
+// Bytes picked by an index of 0 to 15, or 0 where the index is 128.
+HWY_INLINE Vec<U8> pickInBlocks(Vec<U8> v, Vec<U8> index) {
+  return hn::TableLookupBytesOr0(v, index);
+}
+
+HWY_INLINE Vec<U8> swapPairs(Vec<U8> v) {
+  alignas(16) static constexpr uint8_t kSwap[16] = {1, 0, 3,  2,  5,  4,  7,  6,
+                                                    9, 8, 11, 10, 13, 12, 15, 14};
+  return pickInBlocks(v, everyBlock(kSwap));
+}
+
+// 16-byte pieces from different places side by side, block b from from(b).
+template <class From>
+HWY_INLINE Vec<U8> loadBlocks(const From& from) {
+  const hn::Full128<uint8_t> block;
+#if HWY_TARGET == HWY_AVX3
+  const hn::Full256<uint8_t> half;
+  return hn::Combine(
+      u8, hn::Combine(half, hn::LoadU(block, from(3)), hn::LoadU(block, from(2))),
+      hn::Combine(half, hn::LoadU(block, from(1)), hn::LoadU(block, from(0))));
+#elif HWY_TARGET == HWY_AVX2
+  return hn::Combine(u8, hn::LoadU(block, from(1)), hn::LoadU(block, from(0)));
+#else
+  return hn::LoadU(block, from(0));
+#endif
+}
+
+// What Highway has no name for: one instruction on x86, two or three elsewhere.
+// packInBlocks     int16 to bytes, limited to 0..255; a's lanes, then b's
+// packSignedInBlocks  int16 to int8, limited to -128..127
+// narrowInBlocks   int32 to int16, limited
+// pairSums         sums of neighbouring bytes
+// pairDifferences  second minus first of neighbouring bytes
+// pairProducts     a0 * b0 + a1 * b1 of neighbouring int16
+// joinBlocks       undoes the order that a pack of two vectors leaves
+#if HWY_ARCH_X86
+
+HWY_INLINE hn::Vec128<uint8_t> packInBlocks(hn::Vec128<int16_t> a,
+                                            hn::Vec128<int16_t> b) {
+  return hn::Vec128<uint8_t>{_mm_packus_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec128<int8_t> packSignedInBlocks(hn::Vec128<int16_t> a,
+                                                 hn::Vec128<int16_t> b) {
+  return hn::Vec128<int8_t>{_mm_packs_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec128<uint16_t> pairSums(hn::Vec128<uint8_t> v) {
+  return hn::Vec128<uint16_t>{_mm_maddubs_epi16(v.raw, _mm_set1_epi8(1))};
+}
+HWY_INLINE hn::Vec128<int16_t> pairDifferences(hn::Vec128<uint8_t> v) {
+  return hn::Vec128<int16_t>{_mm_maddubs_epi16(v.raw, _mm_set1_epi16(0x01FF))};
+}
+HWY_INLINE hn::Vec128<int32_t> pairProducts(hn::Vec128<int16_t> a,
+                                            hn::Vec128<int16_t> b) {
+  return hn::Vec128<int32_t>{_mm_madd_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec128<uint8_t> joinBlocks(hn::Vec128<uint8_t> v) { return v; }
+
+#if HWY_TARGET <= HWY_AVX2
+HWY_INLINE hn::Vec256<uint8_t> packInBlocks(hn::Vec256<int16_t> a,
+                                            hn::Vec256<int16_t> b) {
+  return hn::Vec256<uint8_t>{_mm256_packus_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec256<int8_t> packSignedInBlocks(hn::Vec256<int16_t> a,
+                                                 hn::Vec256<int16_t> b) {
+  return hn::Vec256<int8_t>{_mm256_packs_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec256<uint16_t> pairSums(hn::Vec256<uint8_t> v) {
+  return hn::Vec256<uint16_t>{_mm256_maddubs_epi16(v.raw, _mm256_set1_epi8(1))};
+}
+HWY_INLINE hn::Vec256<int16_t> pairDifferences(hn::Vec256<uint8_t> v) {
+  return hn::Vec256<int16_t>{_mm256_maddubs_epi16(v.raw, _mm256_set1_epi16(0x01FF))};
+}
+HWY_INLINE hn::Vec256<int32_t> pairProducts(hn::Vec256<int16_t> a,
+                                            hn::Vec256<int16_t> b) {
+  return hn::Vec256<int32_t>{_mm256_madd_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec256<uint8_t> joinBlocks(hn::Vec256<uint8_t> v) {
+  return hn::Vec256<uint8_t>{_mm256_permute4x64_epi64(v.raw, _MM_SHUFFLE(3, 1, 2, 0))};
+}
+#endif
+
+#if HWY_TARGET <= HWY_AVX3
+HWY_INLINE hn::Vec512<uint8_t> packInBlocks(hn::Vec512<int16_t> a,
+                                            hn::Vec512<int16_t> b) {
+  return hn::Vec512<uint8_t>{_mm512_packus_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec512<int8_t> packSignedInBlocks(hn::Vec512<int16_t> a,
+                                                 hn::Vec512<int16_t> b) {
+  return hn::Vec512<int8_t>{_mm512_packs_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec512<uint16_t> pairSums(hn::Vec512<uint8_t> v) {
+  return hn::Vec512<uint16_t>{_mm512_maddubs_epi16(v.raw, _mm512_set1_epi8(1))};
+}
+HWY_INLINE hn::Vec512<int16_t> pairDifferences(hn::Vec512<uint8_t> v) {
+  return hn::Vec512<int16_t>{_mm512_maddubs_epi16(v.raw, _mm512_set1_epi16(0x01FF))};
+}
+HWY_INLINE hn::Vec512<int32_t> pairProducts(hn::Vec512<int16_t> a,
+                                            hn::Vec512<int16_t> b) {
+  return hn::Vec512<int32_t>{_mm512_madd_epi16(a.raw, b.raw)};
+}
+HWY_INLINE hn::Vec512<uint8_t> joinBlocks(hn::Vec512<uint8_t> v) {
+  const __m512i order = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
+  return hn::Vec512<uint8_t>{_mm512_permutexvar_epi64(order, v.raw)};
+}
+#endif
+
+#elif HWY_TARGET == HWY_NEON
+
+HWY_INLINE Vec<U8> packInBlocks(Vec<I16> a, Vec<I16> b) {
+  return Vec<U8>{vcombine_u8(vqmovun_s16(a.raw), vqmovun_s16(b.raw))};
+}
+HWY_INLINE Vec<I8> packSignedInBlocks(Vec<I16> a, Vec<I16> b) {
+  return Vec<I8>{vcombine_s8(vqmovn_s16(a.raw), vqmovn_s16(b.raw))};
+}
+HWY_INLINE Vec<U16> pairSums(Vec<U8> v) { return Vec<U16>{vpaddlq_u8(v.raw)}; }
+HWY_INLINE Vec<I16> pairDifferences(Vec<U8> v) {
+  return asI16(hn::Sub(highBytes(v), lowBytes(v)));
+}
+HWY_INLINE Vec<I32> pairProducts(Vec<I16> a, Vec<I16> b) {
+  const int32x4_t low = vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw));
+  const int32x4_t high = vmull_s16(vget_high_s16(a.raw), vget_high_s16(b.raw));
+  return Vec<I32>{vcombine_s32(vpadd_s32(vget_low_s32(low), vget_high_s32(low)),
+                               vpadd_s32(vget_low_s32(high), vget_high_s32(high)))};
+}
+HWY_INLINE Vec<U8> joinBlocks(Vec<U8> v) { return v; }
+
+#else
+#error "These helpers are missing for this instruction set"
+#endif
+
+HWY_INLINE Vec<I16> narrowInBlocks(Vec<I32> a, Vec<I32> b) {
+  return hn::ReorderDemote2To(i16, a, b);
+}
+
+// Bytes of 16-bit lanes that hold 0..255, in the order of a and then b.
+HWY_INLINE Vec<U8> pack(Vec<U16> a, Vec<U16> b) {
+  return joinBlocks(packInBlocks(asI16(a), asI16(b)));
+}
+
+// The same after narrowing twice: block b holds four bytes of each of four vectors.
+HWY_INLINE Vec<U8> joinTwice(Vec<U8> v) {
+  if (kBlocks == 1) return v;
+  alignas(64) static constexpr uint32_t kTwo[8] = {0, 4, 1, 5, 2, 6, 3, 7};
+  alignas(64) static constexpr uint32_t kFour[16] = {0, 4, 8,  12, 1, 5, 9,  13,
+                                                     2, 6, 10, 14, 3, 7, 11, 15};
+  const uint32_t* order = kBlocks == 2 ? kTwo : kFour;
+  return asU8(
+      hn::TableLookupLanes(hn::BitCast(u32, v), hn::SetTableIndices(u32, order)));
+}
+
+// The first and the second bytes of kBytes pairs.
+struct SplitPairs {
+  Vec<U8> first, second;
+};
+HWY_INLINE SplitPairs loadPairs(const uint8_t* from) {
+#if HWY_TARGET == HWY_NEON
+  SplitPairs pairs;
+  hn::LoadInterleaved2(u8, from, pairs.first, pairs.second);
+  return pairs;
+#else
+  const Vec<U8> a = load(from), b = load(from + kBytes);
+  return {pack(lowBytes(a), lowBytes(b)), pack(highBytes(a), highBytes(b))};
+#endif
+}
+
+// int16 lanes that alternate between two weights, for pairProducts.
+HWY_INLINE Vec<I16> alternate(int even, int odd) {
+  const uint32_t pair = static_cast<uint32_t>(even & 0xFFFF) |
+                        static_cast<uint32_t>(odd) << 16;
+  return hn::BitCast(i16, hn::Set(u32, pair));
+}
+
+#endif  // ZELM_VECTORS
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#endif  // include guard
