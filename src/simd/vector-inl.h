@@ -226,15 +226,59 @@ HWY_INLINE Vec<U8> pack(Vec<U16> a, Vec<U16> b) {
   return joinBlocks(packInBlocks(asI16(a), asI16(b)));
 }
 
-// The same after narrowing twice: block b holds four bytes of each of four vectors.
-HWY_INLINE Vec<U8> joinTwice(Vec<U8> v) {
+// Reorders 4-byte groups; `order` is for vectors of two and of four blocks.
+HWY_INLINE Vec<U8> permuteGroups(Vec<U8> v, const uint32_t (&two)[8],
+                                 const uint32_t (&four)[16]) {
   if (kBlocks == 1) return v;
+  const auto order = hn::SetTableIndices(u32, kBlocks == 2 ? &two[0] : &four[0]);
+  return asU8(hn::TableLookupLanes(hn::BitCast(u32, v), order));
+}
+
+// As joinBlocks after narrowing twice: a block holds four bytes of each of four
+// vectors.
+HWY_INLINE Vec<U8> joinTwice(Vec<U8> v) {
   alignas(64) static constexpr uint32_t kTwo[8] = {0, 4, 1, 5, 2, 6, 3, 7};
   alignas(64) static constexpr uint32_t kFour[16] = {0, 4, 8,  12, 1, 5, 9,  13,
                                                      2, 6, 10, 14, 3, 7, 11, 15};
-  const uint32_t* order = kBlocks == 2 ? kTwo : kFour;
-  return asU8(
-      hn::TableLookupLanes(hn::BitCast(u32, v), hn::SetTableIndices(u32, order)));
+  return permuteGroups(v, kTwo, kFour);
+}
+
+// The opposite: reorders so that interleaving in blocks, once or twice, gives results
+// in the order of memory.
+HWY_INLINE Vec<U8> splitBlocks(Vec<U8> v) {
+  alignas(64) static constexpr uint32_t kTwo[8] = {0, 1, 4, 5, 2, 3, 6, 7};
+  alignas(64) static constexpr uint32_t kFour[16] = {0, 1, 8,  9,  2, 3, 10, 11,
+                                                     4, 5, 12, 13, 6, 7, 14, 15};
+  return permuteGroups(v, kTwo, kFour);
+}
+HWY_INLINE Vec<U8> splitTwice(Vec<U8> v) {
+  alignas(64) static constexpr uint32_t kTwo[8] = {0, 2, 4, 6, 1, 3, 5, 7};
+  alignas(64) static constexpr uint32_t kFour[16] = {0, 4, 8,  12, 1, 5, 9,  13,
+                                                     2, 6, 10, 14, 3, 7, 11, 15};
+  return permuteGroups(v, kTwo, kFour);
+}
+
+// Stores block 0 of a, b and c, then block 1 of them, and so on.
+HWY_INLINE void storeBlocksInTurn(Vec<U8> a, Vec<U8> b, Vec<U8> c, uint8_t* to) {
+#if HWY_TARGET == HWY_AVX3
+  const auto pick = [](Vec<U8> low, Vec<U8> high, __m512i order) HWY_ATTR {
+    return Vec<U8>{_mm512_permutex2var_epi64(low.raw, order, high.raw)};
+  };
+  const auto ab0 = pick(a, b, _mm512_setr_epi64(0, 1, 8, 9, 0, 0, 2, 3));
+  const auto bc1 = pick(b, c, _mm512_setr_epi64(2, 3, 10, 11, 0, 0, 4, 5));
+  const auto ca2 = pick(c, a, _mm512_setr_epi64(4, 5, 14, 15, 0, 0, 6, 7));
+  store(pick(ab0, c, _mm512_setr_epi64(0, 1, 2, 3, 8, 9, 6, 7)), to);
+  store(pick(bc1, a, _mm512_setr_epi64(0, 1, 2, 3, 12, 13, 6, 7)), to + 64);
+  store(pick(ca2, b, _mm512_setr_epi64(0, 1, 2, 3, 14, 15, 6, 7)), to + 128);
+#elif HWY_TARGET == HWY_AVX2
+  store(hn::ConcatLowerLower(u8, b, a), to);
+  store(hn::ConcatUpperLower(u8, a, c), to + 32);
+  store(hn::ConcatUpperUpper(u8, c, b), to + 64);
+#else
+  store(a, to);
+  store(b, to + 16);
+  store(c, to + 32);
+#endif
 }
 
 // The first and the second bytes of kBytes pairs.
