@@ -1,59 +1,161 @@
-// Nearest-neighbour scaling of a luma plane or of whole chroma pairs.
-#include <cstring>
-
+// Nearest-neighbour scaling of a luma plane or of whole chroma pairs. The source
+// columns are the same for all rows, so they are found once per strip.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "resize/nearest.cc"
+#include "simd/each_target.h"
 #include "plane.h"
 #include "resize/axis.h"
+#include "resize/picks-inl.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Axis;
-using zelm::kStripColumns;
-using zelm::Region;
+// A strip of destination bytes from `first` on; kSample bytes make a sample.
+template <size_t kSample>
+struct Strip {
+  const Axis& across;
+  size_t first;
+  size_t bytes;
 
-// `columns` are the source columns of the strip.
-template <size_t Bytes>
-void pickRow(uint8_t* to, const uint8_t* from, const uint16_t* columns, size_t count) {
-  for (size_t i = 0; i < count; ++i) {
-    std::memcpy(to + i * Bytes, from + columns[i] * Bytes, Bytes);
+  size_t sourceByte(size_t i) const {
+    return across.nearest((first + i) / kSample) * kSample + (first + i) % kSample;
   }
-}
+};
 
-template <size_t Bytes>
-void scaleStrip(const Region& to, const Region& from, size_t left, size_t count) {
-  const Axis across(from.columns, to.columns), down(from.rows, to.rows);
-  uint16_t columns[kStripColumns];
-  for (size_t i = 0; i < count; ++i) {
-    columns[i] = static_cast<uint16_t>(across.nearest(left + i));
+template <size_t kSample>
+class PlainColumns {
+ public:
+  explicit PlainColumns(const Strip<kSample>& strip) : samples_(strip.bytes / kSample) {
+    for (size_t i = 0; i < samples_; ++i) {
+      position_[i] = static_cast<uint32_t>(strip.sourceByte(i * kSample));
+    }
   }
-  size_t previous = 0;
+
+  void pickRow(uint8_t* to, const uint8_t* from) const {
+    for (size_t i = 0; i < samples_; ++i) {
+      std::memcpy(to + i * kSample, from + position_[i], kSample);
+    }
+  }
+
+ private:
+  size_t samples_;
+  uint32_t position_[kStripBytes / kSample];
+};
+
+#if ZELM_VECTORS
+template <size_t kLoads>
+class VectorColumns {
+ public:
+  template <size_t kSample>
+  VectorColumns(const Strip<kSample>& strip, size_t rowBytes) : bytes_(strip.bytes) {
+    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+      const size_t start = vectorStart(v, bytes_);
+      for (size_t i = 0; i < kBytes; ++i) {
+        const size_t position = strip.sourceByte(start + i);
+        if (i % 16 == 0) pieces_[v].place(i / 16, position, rowBytes);
+        picks_[v].set(pieces_[v], i, position);
+      }
+    }
+  }
+
+  void pickRow(uint8_t* to, const uint8_t* from) const {
+    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+      const LoadedPieces<kLoads> loaded(from, pieces_[v]);
+      store(loaded.pick(picks_[v]), to + vectorStart(v, bytes_));
+    }
+  }
+
+ private:
+  size_t bytes_;
+  Pieces<kLoads> pieces_[kStripVectors];
+  Picks<kLoads> picks_[kStripVectors];
+};
+#endif
+
+template <class Columns>
+HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
+                           const Columns& columns, size_t first, size_t bytes) {
+  size_t previous = SIZE_MAX;
   for (size_t y = 0; y < to.rows; ++y) {
-    uint8_t* row = to.row(y) + left * Bytes;
+    uint8_t* row = to.row(y) + first;
     const size_t source = down.nearest(y);
-    if (y > 0 && source == previous) {
-      std::memcpy(row, row - to.stride, count * Bytes);
+    if (source == previous) {
+      std::memcpy(row, row - to.stride, bytes);
     } else {
-      pickRow<Bytes>(row, from.row(source), columns, count);
+      columns.pickRow(row, from.row(source));
     }
     previous = source;
   }
 }
 
-template <size_t Bytes>
-void scale(const Region& to, const Region& from) {
+template <size_t kSample>
+HWY_INLINE void scalePlane(const Region& to, const Region& from) {
+  const Axis across(from.columns, to.columns), down(from.rows, to.rows);
+  const size_t rowBytes = to.columns * kSample;
+  for (size_t first = 0; first < rowBytes; first += kStripBytes) {
+    const size_t rest = rowBytes - first;
+    const Strip<kSample> strip{across, first, rest < kStripBytes ? rest : kStripBytes};
+#if ZELM_VECTORS
+    // Sixteen bytes lie at most this far apart in the source.
+    const size_t span = (across.before(16 / kSample - 1) + 2) * kSample;
+    const size_t fromBytes = from.columns * kSample;
+    const auto scaleWith = [&](const auto& columns) HWY_ATTR {
+      scaleStrip(to, from, down, columns, first, strip.bytes);
+    };
+    if (strip.bytes >= kBytes && fromBytes >= 16 && span <= 64) {
+      if (span <= 16) {
+        scaleWith(VectorColumns<1>(strip, fromBytes));
+      } else if (span <= 32) {
+        scaleWith(VectorColumns<2>(strip, fromBytes));
+      } else if (span <= 48) {
+        scaleWith(VectorColumns<3>(strip, fromBytes));
+      } else {
+        scaleWith(VectorColumns<4>(strip, fromBytes));
+      }
+      continue;
+    }
+#endif
+    scaleStrip(to, from, down, PlainColumns<kSample>(strip), first, strip.bytes);
+  }
+}
+
+void scaleLuma(const Region& to, const Region& from) { scalePlane<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scalePlane<2>(to, from); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
+void scale(void (*kernel)(const Region&, const Region&), const Region& to,
+           const Region& from, size_t sample) {
   if (from.empty()) return;
-  for (size_t left = 0; left < to.columns; left += kStripColumns) {
-    const size_t rest = to.columns - left;
-    scaleStrip<Bytes>(to, from, left, rest < kStripColumns ? rest : kStripColumns);
+  if (to.columns == from.columns && to.rows == from.rows) {
+    copyRows(to, from, to.rows, to.columns * sample);
+  } else {
+    kernel(to, from);
   }
 }
 
 }  // namespace
+}  // namespace zelm
 
 extern "C" void resize_nearest(ImageStruct* dst, ImageStruct* src) {
-  scale<1>(zelm::lumaRegion(*dst), zelm::lumaRegion(*src));
+  using namespace zelm;
+  scale(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
 }
 
 extern "C" void resize_nearestVU(ImageStruct* dst, ImageStruct* src) {
-  scale<2>(zelm::chromaRegion(*dst), zelm::chromaRegion(*src));
+  using namespace zelm;
+  scale(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
 }
+#endif  // HWY_ONCE
