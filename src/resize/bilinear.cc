@@ -3,70 +3,182 @@
 //   out = ((256 - wy) * H[upper] + wy * H[lower] + 32768) >> 16
 // All of it is exact, so the order of the passes is free: rows are filtered
 // horizontally, kept, and blended.
-#include <cstring>
-
+//
+// Filtered rows are kept as G = H - 32768 + 128, which fits in int16. Weights sum to
+// 256, so (256 - wy) * G[upper] + wy * G[lower] is the sum above less 2^23, rounding
+// included, and its upper 16 bits are out - 128.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "resize/bilinear.cc"
+#include "simd/each_target.h"
 #include "plane.h"
 #include "resize/axis.h"
+#include "resize/picks-inl.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Axis;
-using zelm::kStripColumns;
-using zelm::Region;
+constexpr int kBias = 128 - 32768;
 
-struct Columns {
-  uint16_t left[kStripColumns];
-  uint16_t right[kStripColumns];
-  uint16_t weight[kStripColumns];
-  size_t count;
+// Where one byte of a destination row comes from; kSample bytes make a sample.
+struct Tap {
+  size_t left, right;
+  unsigned weight;
 };
-
-void findColumns(Columns* columns, const Axis& across, size_t first, size_t count) {
-  columns->count = count;
-  for (size_t i = 0; i < count; ++i) {
-    const size_t left = across.before(first + i);
-    columns->left[i] = static_cast<uint16_t>(left);
-    columns->right[i] = static_cast<uint16_t>(across.clamp(left + 1));
-    columns->weight[i] = static_cast<uint16_t>(across.weight(first + i));
-  }
+template <size_t kSample>
+HWY_INLINE Tap tapOf(const Axis& across, size_t byte) {
+  const size_t column = byte / kSample, channel = byte % kSample;
+  const size_t left = across.before(column);
+  return {left * kSample + channel, across.clamp(left + 1) * kSample + channel,
+          across.weight(column)};
 }
 
-template <size_t Bytes>
-void filterRow(uint16_t* to, const uint8_t* from, const Columns& columns) {
-  for (size_t i = 0; i < columns.count; ++i) {
-    const uint8_t* left = from + columns.left[i] * Bytes;
-    const uint8_t* right = from + columns.right[i] * Bytes;
-    for (size_t b = 0; b < Bytes; ++b) {
-      const int difference = right[b] - left[b];
-      to[i * Bytes + b] =
-          static_cast<uint16_t>(256 * left[b] + columns.weight[i] * difference);
+template <size_t kSample>
+class PlainColumns {
+ public:
+  static constexpr size_t kRowLanes = kStripBytes;
+
+  PlainColumns(const Axis& across, size_t first, size_t bytes) : bytes_(bytes) {
+    for (size_t i = 0; i < bytes; ++i) {
+      const Tap tap = tapOf<kSample>(across, first + i);
+      left_[i] = static_cast<uint32_t>(tap.left);
+      step_[i] = static_cast<uint8_t>(tap.right - tap.left);
+      weight_[i] = static_cast<uint16_t>(tap.weight);
     }
   }
-}
 
-void blendRow(uint8_t* to, const uint16_t* upper, const uint16_t* lower,
-              unsigned weight, size_t bytes) {
-  for (size_t i = 0; i < bytes; ++i) {
-    const uint32_t sum = (256 - weight) * upper[i] + weight * lower[i];
-    to[i] = static_cast<uint8_t>((sum + 32768) >> 16);
+  void filterRow(int16_t* to, const uint8_t* from) const {
+    for (size_t i = 0; i < bytes_; ++i) {
+      const int left = from[left_[i]], right = from[left_[i] + step_[i]];
+      to[i] = static_cast<int16_t>(256 * left + weight_[i] * (right - left) + kBias);
+    }
   }
-}
 
-// The last two filtered rows: when a plane is enlarged, every source row is
-// filtered once.
-template <size_t Bytes>
+  void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
+                 unsigned weight) const {
+    const int lowerWeight = static_cast<int>(weight), upperWeight = 256 - lowerWeight;
+    for (size_t i = 0; i < bytes_; ++i) {
+      const int sum = upperWeight * upper[i] + lowerWeight * lower[i];
+      to[i] = static_cast<uint8_t>((sum >> 16) + 128);
+    }
+  }
+
+ private:
+  size_t bytes_;
+  uint32_t left_[kStripBytes];
+  uint8_t step_[kStripBytes];
+  uint16_t weight_[kStripBytes];
+};
+
+#if ZELM_VECTORS
+// A vector of destination bytes is filtered in two halves of 16-bit lanes: the first
+// and the second eight bytes of every block, as they are packed again.
+template <size_t kLoads>
+class VectorColumns {
+ public:
+  static constexpr size_t kRowLanes = kStripBytes;
+
+  template <class TapOf>
+  VectorColumns(const TapOf& tapOfByte, size_t rowBytes, size_t bytes)
+      : bytes_(bytes) {
+    for (size_t v = 0; v < vectorsFor(bytes); ++v) {
+      const size_t start = vectorStart(v, bytes);
+      for (size_t half = 0; half < 2; ++half) {
+        Half& table = half_[v][half];
+        for (size_t block = 0; block < kBlocks; ++block) {
+          findBlock(&table, block, tapOfByte, start + 16 * block + 8 * half, rowBytes);
+        }
+      }
+    }
+  }
+
+  void filterRow(int16_t* to, const uint8_t* from) const {
+    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+      for (size_t half = 0; half < 2; ++half) {
+        const Half& table = half_[v][half];
+        const LoadedPieces<kLoads> loaded(from, table.pieces);
+        const Vec<U8> pairs = loaded.pick(table.picks);
+        const Vec<I16> weights = hn::Load(i16, table.weight);
+        // 256 left + weight (right - left)
+        const Vec<I16> left = asI16(hn::ShiftLeft<8>(asU16(pairs)));
+        const Vec<I16> filtered =
+            hn::Add(hn::Add(left, hn::Set(i16, static_cast<int16_t>(kBias))),
+                    hn::Mul(weights, pairDifferences(pairs)));
+        hn::Store(filtered, i16, to + v * kBytes + half * (kBytes / 2));
+      }
+    }
+  }
+
+  void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
+                 unsigned weight) const {
+    const Vec<I16> weights =
+        alternate(256 - static_cast<int>(weight), static_cast<int>(weight));
+    const auto blend = [&](size_t lane) HWY_ATTR {
+      const Vec<I16> a = hn::Load(i16, upper + lane), b = hn::Load(i16, lower + lane);
+      const auto half = [&](Vec<I16> ab) HWY_ATTR {
+        return hn::ShiftRight<16>(pairProducts(ab, weights));
+      };
+      return narrowInBlocks(half(hn::InterleaveLower(i16, a, b)),
+                            half(hn::InterleaveUpper(i16, a, b)));
+    };
+    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+      putRow(to, v, blend(v * kBytes), blend(v * kBytes + kBytes / 2));
+    }
+  }
+
+ private:
+  struct Half {
+    Picks<kLoads> picks;
+    alignas(64) int16_t weight[kBytes / 2];
+    Pieces<kLoads> pieces;
+  };
+
+  template <class TapOf>
+  static HWY_INLINE void findBlock(Half* table, size_t block, const TapOf& tapOfByte,
+                                   size_t first, size_t rowBytes) {
+    Tap taps[8];
+    size_t lowest = SIZE_MAX;
+    for (size_t i = 0; i < 8; ++i) {
+      taps[i] = tapOfByte(first + i);
+      if (taps[i].left < lowest) lowest = taps[i].left;
+    }
+    table->pieces.place(block, lowest, rowBytes);
+    for (size_t i = 0; i < 8; ++i) {
+      const size_t lane = 8 * block + i;
+      table->picks.set(table->pieces, 2 * lane, taps[i].left);
+      table->picks.set(table->pieces, 2 * lane + 1, taps[i].right);
+      table->weight[lane] = static_cast<int16_t>(taps[i].weight);
+    }
+  }
+
+  HWY_INLINE void putRow(uint8_t* to, size_t v, Vec<I16> a, Vec<I16> b) const {
+    const Vec<U8> centred = asU8(packSignedInBlocks(a, b));
+    store(hn::Xor(centred, hn::Set(u8, 128)), to + vectorStart(v, bytes_));
+  }
+
+  size_t bytes_;
+  Half half_[kStripVectors][2];
+};
+#endif  // ZELM_VECTORS
+
+// The last two filtered rows: when a plane is enlarged, every source row is filtered
+// once.
+template <class Columns>
 class FilteredRows {
  public:
   FilteredRows(const Region& from, const Columns& columns)
       : from_(from), columns_(columns) {}
 
   // Row y, filtered. The row asked for before stays valid.
-  const uint16_t* get(size_t y) {
+  HWY_INLINE const int16_t* get(size_t y) {
     if (index_[newest_] == y) return rows_[newest_];
     newest_ ^= 1;
     if (index_[newest_] != y) {
-      filterRow<Bytes>(rows_[newest_], from_.row(y), columns_);
+      columns_.filterRow(rows_[newest_], from_.row(y));
       index_[newest_] = y;
     }
     return rows_[newest_];
@@ -75,55 +187,93 @@ class FilteredRows {
  private:
   const Region& from_;
   const Columns& columns_;
-  uint16_t rows_[2][kStripColumns * Bytes];
+  alignas(64) int16_t rows_[2][Columns::kRowLanes];
   size_t index_[2] = {SIZE_MAX, SIZE_MAX};
   int newest_ = 0;
 };
 
-template <size_t Bytes>
-void scaleStrip(const Region& to, const Region& from, const Axis& down,
-                const Columns& columns, size_t first) {
-  FilteredRows<Bytes> rows(from, columns);
+template <class Columns>
+HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
+                           const Columns& columns, size_t first) {
+  FilteredRows<Columns> rows(from, columns);
   for (size_t y = 0; y < to.rows; ++y) {
     const size_t upper = down.before(y);
     const unsigned weight = down.weight(y);
-    const uint16_t* a = rows.get(upper);
-    const uint16_t* b = weight == 0 ? a : rows.get(down.clamp(upper + 1));
-    blendRow(to.row(y) + first * Bytes, a, b, weight, columns.count * Bytes);
+    const int16_t* a = rows.get(upper);
+    const int16_t* b = weight == 0 ? a : rows.get(down.clamp(upper + 1));
+    columns.blendRows(to.row(y) + first, a, b, weight);
   }
 }
 
-template <size_t Bytes>
-void scale(const Region& to, const Region& from) {
-  if (from.empty()) return;
-  if (from.columns == to.columns && from.rows == to.rows) {
-    for (size_t y = 0; y < to.rows; ++y) {
-      std::memcpy(to.row(y), from.row(y), to.columns * Bytes);
-    }
-    return;
-  }
+template <size_t kSample>
+HWY_INLINE void scalePlane(const Region& to, const Region& from) {
   const Axis across(from.columns, to.columns), down(from.rows, to.rows);
-  for (size_t first = 0; first < to.columns; first += kStripColumns) {
-    const size_t rest = to.columns - first;
-    Columns columns;
-    findColumns(&columns, across, first, rest < kStripColumns ? rest : kStripColumns);
-    scaleStrip<Bytes>(to, from, down, columns, first);
+  const size_t rowBytes = to.columns * kSample;
+  for (size_t first = 0; first < rowBytes; first += kStripBytes) {
+    const size_t rest = rowBytes - first;
+    const size_t bytes = rest < kStripBytes ? rest : kStripBytes;
+#if ZELM_VECTORS
+    // Eight bytes belong to at most so many samples, which lie at most so far apart.
+    constexpr size_t kSamples = kSample == 1 ? 8 : 4;
+    const size_t span = (across.before(kSamples - 1) + 3) * kSample;
+    const size_t fromBytes = from.columns * kSample;
+    const auto tap = [&](size_t i) HWY_ATTR { return tapOf<kSample>(across, first + i); };
+    if (bytes >= kBytes && fromBytes >= 16 && span <= 48) {
+      if (span <= 16) {
+        scaleStrip(to, from, down, VectorColumns<1>(tap, fromBytes, bytes), first);
+      } else if (span <= 32) {
+        scaleStrip(to, from, down, VectorColumns<2>(tap, fromBytes, bytes), first);
+      } else {
+        scaleStrip(to, from, down, VectorColumns<3>(tap, fromBytes, bytes), first);
+      }
+      continue;
+    }
+#endif
+    scaleStrip(to, from, down, PlainColumns<kSample>(across, first, bytes), first);
+  }
+}
+
+void scaleLuma(const Region& to, const Region& from) { scalePlane<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scalePlane<2>(to, from); }
+void scale3Channels(const Region& to, const Region& from) { scalePlane<3>(to, from); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
+void scale(void (*kernel)(const Region&, const Region&), const Region& to,
+           const Region& from, size_t sample) {
+  if (from.empty()) return;
+  if (to.columns == from.columns && to.rows == from.rows) {
+    copyRows(to, from, to.rows, to.columns * sample);
+  } else {
+    kernel(to, from);
   }
 }
 
 }  // namespace
+}  // namespace zelm
 
 extern "C" void resize_linear(ImageStruct* dst, ImageStruct* src) {
-  scale<1>(zelm::lumaRegion(*dst), zelm::lumaRegion(*src));
+  using namespace zelm;
+  scale(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
 }
 
 extern "C" void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
-  scale<2>(zelm::chromaRegion(*dst), zelm::chromaRegion(*src));
+  using namespace zelm;
+  scale(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
 }
 
 // The destination is a packed block at `data`.
 extern "C" void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
+  using namespace zelm;
   const size_t columns = dst->roiWidth;
-  scale<3>({dst->data, 3 * columns, columns, dst->roiHeight},
-           zelm::packedRegion(*src, 3));
+  const Region to = {dst->data, 3 * columns, columns, dst->roiHeight};
+  scale(ZELM_KERNEL(scale3Channels), to, packedRegion(*src, 3), 3);
 }
+#endif  // HWY_ONCE
