@@ -4,80 +4,194 @@
 //   out = clamp((sum of wy * H + 32768) >> 16)
 // The sums are exact, so the order of the passes is free: rows are filtered
 // horizontally, kept, and combined.
-#include <cstring>
-
+//
+// Vectors keep H as 64 h + l, each in 16 bits of a 32-bit lane, so that one pairwise
+// multiplication with (wy, 64 wy) gives wy * H.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "resize/bicubic.cc"
+#include "simd/each_target.h"
 #include "plane.h"
 #include "resize/axis.h"
 #include "resize/cubic_tables.h"
+#include "resize/picks-inl.h"
+#include "simd/dispatch.h"
+#include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
 namespace {
+namespace HWY_NAMESPACE {
 
-using zelm::Axis;
-using zelm::CubicTaps;
-using zelm::kStripColumns;
-using zelm::Region;
-
-struct Columns {
-  uint16_t index[4][kStripColumns];
-  int16_t tap[4][kStripColumns];
-  size_t count;
-};
+// Destination bytes of a strip: four rows of 32-bit lanes are kept.
+constexpr size_t kCubicStripBytes = kStripBytes / 2;
 
 // The four sample indices around `at`.
-void findTaps(size_t (&index)[4], const Axis& axis, size_t at) {
+HWY_INLINE void findTaps(size_t (&index)[4], const Axis& axis, size_t at) {
   index[0] = at > 0 ? at - 1 : 0;
   for (size_t t = 1; t < 4; ++t) index[t] = axis.clamp(at + t - 1);
 }
 
-void findColumns(Columns* columns, const Axis& across, size_t first, size_t count) {
-  columns->count = count;
-  for (size_t i = 0; i < count; ++i) {
-    size_t index[4];
-    findTaps(index, across, across.before(first + i));
-    const CubicTaps taps = zelm::cubicTaps(across.weight(first + i));
-    for (size_t t = 0; t < 4; ++t) {
-      columns->index[t][i] = static_cast<uint16_t>(index[t]);
-      columns->tap[t][i] = static_cast<int16_t>(taps.tap[t]);
-    }
-  }
+// Where one byte of a destination row comes from; kSample bytes make a sample.
+struct Taps {
+  size_t position[4];
+  CubicTaps weights;
+};
+template <size_t kSample>
+HWY_INLINE Taps tapsOf(const Axis& across, size_t byte) {
+  const size_t column = byte / kSample;
+  Taps taps;
+  findTaps(taps.position, across, across.before(column));
+  for (size_t& position : taps.position) position = position * kSample + byte % kSample;
+  taps.weights = cubicTaps(across.weight(column));
+  return taps;
 }
 
-template <size_t Bytes>
-void filterRow(int32_t* to, const uint8_t* from, const Columns& columns) {
-  for (size_t i = 0; i < columns.count; ++i) {
-    for (size_t b = 0; b < Bytes; ++b) {
-      int32_t sum = 0;
+template <size_t kSample>
+class PlainColumns {
+ public:
+  PlainColumns(const Axis& across, size_t first, size_t bytes) : bytes_(bytes) {
+    for (size_t i = 0; i < bytes; ++i) {
+      const Taps taps = tapsOf<kSample>(across, first + i);
       for (size_t t = 0; t < 4; ++t) {
-        sum += columns.tap[t][i] * from[columns.index[t][i] * Bytes + b];
+        position_[t][i] = static_cast<uint32_t>(taps.position[t]);
+        weight_[t][i] = static_cast<int16_t>(taps.weights.tap[t]);
       }
-      to[i * Bytes + b] = sum;
     }
   }
-}
 
-void combineRows(uint8_t* to, const int32_t* const (&rows)[4], const CubicTaps& taps,
-                 size_t bytes) {
-  for (size_t i = 0; i < bytes; ++i) {
-    int32_t sum = 32768;
-    for (size_t t = 0; t < 4; ++t) sum += taps.tap[t] * rows[t][i];
-    const int32_t value = sum >> 16;
-    to[i] = static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
+  void filterRow(int32_t* to, const uint8_t* from) const {
+    for (size_t i = 0; i < bytes_; ++i) {
+      int32_t sum = 0;
+      for (size_t t = 0; t < 4; ++t) sum += weight_[t][i] * from[position_[t][i]];
+      to[i] = sum;
+    }
   }
-}
+
+  void combineRows(uint8_t* to, const int32_t* const (&rows)[4],
+                   const CubicTaps& weights) const {
+    for (size_t i = 0; i < bytes_; ++i) {
+      int32_t sum = 32768;
+      for (size_t t = 0; t < 4; ++t) sum += weights.tap[t] * rows[t][i];
+      const int32_t value = sum >> 16;
+      to[i] = static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
+    }
+  }
+
+ private:
+  size_t bytes_;
+  uint32_t position_[4][kCubicStripBytes];
+  int16_t weight_[4][kCubicStripBytes];
+};
+
+#if ZELM_VECTORS
+// A vector of destination bytes is filtered in quarters of 32-bit lanes: in every
+// block, four bytes each, as they are packed again.
+template <size_t kLoads>
+class VectorColumns {
+ public:
+  template <class TapsOf>
+  VectorColumns(const TapsOf& tapsOfByte, size_t rowBytes, size_t bytes)
+      : bytes_(bytes) {
+    for (size_t v = 0; v < vectorsFor(bytes); ++v) {
+      const size_t start = vectorStart(v, bytes);
+      for (size_t quarter = 0; quarter < 4; ++quarter) {
+        for (size_t block = 0; block < kBlocks; ++block) {
+          findBlock(&quarter_[v][quarter], block, tapsOfByte,
+                    start + 16 * block + 4 * quarter, rowBytes);
+        }
+      }
+    }
+  }
+
+  void filterRow(int32_t* to, const uint8_t* from) const {
+    const Vec<I32> upper = hn::Set(i32, ~0xFFFF), lowest6 = hn::Set(i32, 63);
+    const Quarter* quarters = quarter_[0];
+    for (size_t q = 0; q < 4 * vectorsFor(bytes_); ++q) {
+      const Quarter& table = quarters[q];
+      const LoadedPieces<kLoads> loaded(from, table.pieces);
+      const auto products = [&](size_t half) HWY_ATTR {
+        const Vec<I16> samples = asI16(loaded.pick(table.picks[half]));
+        return pairProducts(samples, hn::Load(i16, table.weight[half]));
+      };
+      const Vec<I32> sum = hn::Add(products(0), products(1));
+      const Vec<I32> split = hn::Or(hn::And(hn::ShiftLeft<10>(sum), upper),
+                                    hn::And(sum, lowest6));
+      hn::Store(split, i32, to + q * (kBytes / 4));
+    }
+  }
+
+  void combineRows(uint8_t* to, const int32_t* const (&rows)[4],
+                   const CubicTaps& weights) const {
+    const auto weight = [&](size_t t) HWY_ATTR {
+      return alternate(weights.tap[t], 64 * weights.tap[t]);
+    };
+    const Vec<I16> w0 = weight(0), w1 = weight(1), w2 = weight(2), w3 = weight(3);
+    const auto term = [&](size_t t, size_t lane, Vec<I16> w) HWY_ATTR {
+      return pairProducts(asI16(hn::Load(i32, rows[t] + lane)), w);
+    };
+    const auto combine = [&](size_t lane) HWY_ATTR {
+      const Vec<I32> sum = hn::Add(hn::Add(term(0, lane, w0), term(1, lane, w1)),
+                                   hn::Add(term(2, lane, w2), term(3, lane, w3)));
+      return hn::ShiftRight<16>(hn::Add(sum, hn::Set(i32, 32768)));
+    };
+    constexpr size_t kLanes = kBytes / 4;
+    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+      const size_t lane = v * kBytes;
+      const Vec<I16> a = narrowInBlocks(combine(lane), combine(lane + kLanes));
+      const Vec<I16> b =
+          narrowInBlocks(combine(lane + 2 * kLanes), combine(lane + 3 * kLanes));
+      store(packInBlocks(a, b), to + vectorStart(v, bytes_));
+    }
+  }
+
+ private:
+  // Samples 0 and 1, then 2 and 3, as 16-bit lanes beside each other.
+  struct Quarter {
+    Picks<kLoads> picks[2];
+    alignas(64) int16_t weight[2][kBytes / 2];
+    Pieces<kLoads> pieces;
+  };
+
+  template <class TapsOf>
+  static HWY_INLINE void findBlock(Quarter* table, size_t block,
+                                   const TapsOf& tapsOfByte, size_t first,
+                                   size_t rowBytes) {
+    Taps taps[4];
+    size_t lowest = SIZE_MAX;
+    for (size_t i = 0; i < 4; ++i) {
+      taps[i] = tapsOfByte(first + i);
+      if (taps[i].position[0] < lowest) lowest = taps[i].position[0];
+    }
+    table->pieces.place(block, lowest, rowBytes);
+    for (size_t i = 0; i < 4; ++i) {
+      for (size_t t = 0; t < 4; ++t) {
+        Picks<kLoads>& picks = table->picks[t / 2];
+        const size_t lane = 2 * (4 * block + i) + t % 2;
+        picks.set(table->pieces, 2 * lane, taps[i].position[t]);
+        picks.setZero(2 * lane + 1);
+        table->weight[t / 2][lane] = static_cast<int16_t>(taps[i].weights.tap[t]);
+      }
+    }
+  }
+
+  size_t bytes_;
+  Quarter quarter_[kCubicStripBytes / kBytes][4];
+};
+#endif  // ZELM_VECTORS
 
 // The last four filtered rows: source row y is kept in place y mod 4, so the four
 // rows around a position, being neighbours, never push each other out.
-template <size_t Bytes>
+template <class Columns>
 class FilteredRows {
  public:
   FilteredRows(const Region& from, const Columns& columns)
       : from_(from), columns_(columns) {}
 
-  const int32_t* get(size_t y) {
+  HWY_INLINE const int32_t* get(size_t y) {
     int32_t* row = rows_[y % 4];
     if (index_[y % 4] != y) {
-      filterRow<Bytes>(row, from_.row(y), columns_);
+      columns_.filterRow(row, from_.row(y));
       index_[y % 4] = y;
     }
     return row;
@@ -86,48 +200,82 @@ class FilteredRows {
  private:
   const Region& from_;
   const Columns& columns_;
-  int32_t rows_[4][kStripColumns * Bytes];
+  alignas(64) int32_t rows_[4][kCubicStripBytes];
   size_t index_[4] = {SIZE_MAX, SIZE_MAX, SIZE_MAX, SIZE_MAX};
 };
 
-template <size_t Bytes>
-void scaleStrip(const Region& to, const Region& from, const Axis& down,
-                const Columns& columns, size_t first) {
-  FilteredRows<Bytes> filtered(from, columns);
+template <class Columns>
+HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
+                           const Columns& columns, size_t first) {
+  FilteredRows<Columns> filtered(from, columns);
   for (size_t y = 0; y < to.rows; ++y) {
     size_t index[4];
     findTaps(index, down, down.before(y));
     const int32_t* const rows[4] = {filtered.get(index[0]), filtered.get(index[1]),
                                     filtered.get(index[2]), filtered.get(index[3])};
-    combineRows(to.row(y) + first * Bytes, rows, zelm::cubicTaps(down.weight(y)),
-                columns.count * Bytes);
+    columns.combineRows(to.row(y) + first, rows, cubicTaps(down.weight(y)));
   }
 }
 
-template <size_t Bytes>
-void scale(const Region& to, const Region& from) {
-  if (from.empty()) return;
-  if (from.columns == to.columns && from.rows == to.rows) {
-    for (size_t y = 0; y < to.rows; ++y) {
-      std::memcpy(to.row(y), from.row(y), to.columns * Bytes);
-    }
-    return;
-  }
+template <size_t kSample>
+HWY_INLINE void scalePlane(const Region& to, const Region& from) {
   const Axis across(from.columns, to.columns), down(from.rows, to.rows);
-  for (size_t first = 0; first < to.columns; first += kStripColumns) {
-    const size_t rest = to.columns - first;
-    Columns columns;
-    findColumns(&columns, across, first, rest < kStripColumns ? rest : kStripColumns);
-    scaleStrip<Bytes>(to, from, down, columns, first);
+  const size_t rowBytes = to.columns * kSample;
+  for (size_t first = 0; first < rowBytes; first += kCubicStripBytes) {
+    const size_t rest = rowBytes - first;
+    const size_t bytes = rest < kCubicStripBytes ? rest : kCubicStripBytes;
+#if ZELM_VECTORS
+    // Four bytes and their taps lie at most so far apart.
+    const size_t span = (across.before(4 / kSample - 1) + 5) * kSample;
+    const size_t fromBytes = from.columns * kSample;
+    const auto taps = [&](size_t i) HWY_ATTR {
+      return tapsOf<kSample>(across, first + i);
+    };
+    if (bytes >= kBytes && fromBytes >= 16 && span <= 32) {
+      if (span <= 16) {
+        scaleStrip(to, from, down, VectorColumns<1>(taps, fromBytes, bytes), first);
+      } else {
+        scaleStrip(to, from, down, VectorColumns<2>(taps, fromBytes, bytes), first);
+      }
+      continue;
+    }
+#endif
+    scaleStrip(to, from, down, PlainColumns<kSample>(across, first, bytes), first);
+  }
+}
+
+void scaleLuma(const Region& to, const Region& from) { scalePlane<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scalePlane<2>(to, from); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zelm {
+namespace {
+
+void scale(void (*kernel)(const Region&, const Region&), const Region& to,
+           const Region& from, size_t sample) {
+  if (from.empty()) return;
+  if (to.columns == from.columns && to.rows == from.rows) {
+    copyRows(to, from, to.rows, to.columns * sample);
+  } else {
+    kernel(to, from);
   }
 }
 
 }  // namespace
+}  // namespace zelm
 
 extern "C" void resize_cubic(ImageStruct* dst, ImageStruct* src) {
-  scale<1>(zelm::lumaRegion(*dst), zelm::lumaRegion(*src));
+  using namespace zelm;
+  scale(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
 }
 
 extern "C" void resize_cubicVU(ImageStruct* dst, ImageStruct* src) {
-  scale<2>(zelm::chromaRegion(*dst), zelm::chromaRegion(*src));
+  using namespace zelm;
+  scale(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
 }
+#endif  // HWY_ONCE
