@@ -22,13 +22,13 @@
 namespace zelm {
 namespace {
 
-// The chroma of one luma row: the first bytes of the pairs are averaged with those of
-// `firstPartner`, the second ones with those of `secondPartner`.
+// The chroma of one luma row. One byte of the pairs, the lone one, is taken from the
+// row itself, the other is averaged with that of the `other` row.
 struct ChromaRows {
   const uint8_t* own;
-  const uint8_t* firstPartner;
-  const uint8_t* secondPartner;
-  bool uFirst;
+  const uint8_t* other;
+  bool uFirst;     // pairs are U, V
+  bool loneFirst;  // the lone byte is the first one
 };
 
 }  // namespace
@@ -45,67 +45,80 @@ HWY_INLINE uint8_t clampToByte(int value) {
 }
 
 #if ZELM_VECTORS
-// The addend of each channel for 16-bit lanes of u and v. The roundings of R and B
-// are those of the multiplication. For G the coefficients are split, 256 h + l, and
-// with 64 = 2^14 / 256 everything stays in 16 bits.
-struct Addends {
-  Vec<I16> r, g, b;
-};
-HWY_INLINE Addends addends(Vec<I16> u, Vec<I16> v) {
-  const auto times = [](Vec<I16> a, int16_t factor) HWY_ATTR {
-    return hn::Mul(a, hn::Set(i16, factor));
-  };
-  const Vec<I16> high =
-      hn::Sub(hn::Set(i16, 64), hn::Add(times(u, 11), times(v, 23)));
-  const Vec<I16> low = hn::Sub(times(v, 38), times(u, 3));
-  return {hn::MulFixedPoint15(v, hn::Set(i16, 11485)),
-          hn::ShiftRight<7>(hn::Add(high, hn::ShiftRight<8>(low))),
-          hn::MulFixedPoint15(u, hn::Set(i16, 14516))};
-}
-
-// Sums of two chroma rows less 256, of a vector's pairs.
-struct PairLanes {
-  Vec<I16> first, second;
-};
-HWY_INLINE PairLanes sumRows(const ChromaRows& chroma, size_t at) {
-  const Vec<U8> own = load(chroma.own + at);
-  const Vec<U16> middle = hn::Set(u16, 256);
-  const auto sum = [&](Vec<U16> a, Vec<U16> b) HWY_ATTR {
-    return asI16(hn::Sub(hn::Add(a, b), middle));
-  };
-  return {sum(lowBytes(own), lowBytes(load(chroma.firstPartner + at))),
-          sum(highBytes(own), highBytes(load(chroma.secondPartner + at)))};
-}
-
+// kBytes pixels: G in order, R and B as pairs of left and of right pixels.
 struct RgbBytes {
-  Vec<U8> r, g, b;
+  Vec<U8> rbLeft, rbRight, g;
 };
 
-// kBytes pixels, in order. Reads one pair further.
-template <bool kUFirst>
-HWY_INLINE RgbBytes rgbPixels(const uint8_t* luma, const ChromaRows& chroma,
-                              size_t at) {
-  const PairLanes here = sumRows(chroma, at), next = sumRows(chroma, at + 2);
+// In 16-bit lanes that hold first and second chroma bytes in turn, as 32-bit lanes
+// hold pairs. With S = sums of two rows, left pixels see 2 S - 512 and right ones
+// S + S[next] - 512; the factor 2 is left to the coefficients.
+class RgbKernel {
+ public:
+  HWY_INLINE explicit RgbKernel(const ChromaRows& chroma)
+      : chroma_(chroma),
+        rowWeights_(hn::BitCast(
+            i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))),
+        rb_(chroma.uFirst ? alternate(14516, 11485) : alternate(11485, 14516)),
+        g_(chroma.uFirst ? alternate(-5638, -11700) : alternate(-11700, -5638)) {}
 
-  const Vec<I16> first[2] = {hn::Add(here.first, here.first),
-                             hn::Add(here.first, next.first)};
-  const Vec<I16> second[2] = {hn::Add(here.second, here.second),
-                              hn::Add(here.second, next.second)};
-  const Addends left =
-      kUFirst ? addends(first[0], second[0]) : addends(second[0], first[0]);
-  const Addends right =
-      kUFirst ? addends(first[1], second[1]) : addends(second[1], first[1]);
+  // Reads one pair further.
+  HWY_INLINE RgbBytes pixels(const uint8_t* luma, size_t at) const {
+    const Vec<U8> own = load(chroma_.own + at), other = load(chroma_.other + at);
+    const Vec<U8> ownNext = load(chroma_.own + at + 2);
+    const Vec<U8> otherNext = load(chroma_.other + at + 2);
+    const Vec<U8> y = load(luma + at), zero = hn::Zero(u8);
+    const Channels lower =
+        channels(hn::InterleaveLower(u8, own, other),
+                 hn::InterleaveLower(u8, ownNext, otherNext),
+                 asI16(hn::InterleaveLower(u8, y, zero)), twice<0>(y), twice<1>(y));
+    const Channels upper =
+        channels(hn::InterleaveUpper(u8, own, other),
+                 hn::InterleaveUpper(u8, ownNext, otherNext),
+                 asI16(hn::InterleaveUpper(u8, y, zero)), twice<8>(y), twice<9>(y));
+    RgbBytes bytes = {packInBlocks(lower.rbLeft, upper.rbLeft),
+                      packInBlocks(lower.rbRight, upper.rbRight),
+                      packInBlocks(lower.g, upper.g)};
+    if (chroma_.uFirst) {
+      bytes.rbLeft = swapPairs(bytes.rbLeft);
+      bytes.rbRight = swapPairs(bytes.rbRight);
+    }
+    return bytes;
+  }
 
-  const Vec<U8> y = load(luma + at);
-  const Vec<I16> yLower = asI16(hn::InterleaveLower(u8, y, hn::Zero(u8)));
-  const Vec<I16> yUpper = asI16(hn::InterleaveUpper(u8, y, hn::Zero(u8)));
-  const auto channel = [&](Vec<I16> l, Vec<I16> r) HWY_ATTR {
-    return packInBlocks(hn::Add(yLower, hn::InterleaveLower(i16, l, r)),
-                        hn::Add(yUpper, hn::InterleaveUpper(i16, l, r)));
+ private:
+  struct Channels {
+    Vec<I16> rbLeft, rbRight, g;
   };
-  return {channel(left.r, right.r), channel(left.g, right.g),
-          channel(left.b, right.b)};
-}
+
+  // Bytes kFirst, kFirst + 2, ... in two 16-bit lanes each.
+  template <uint8_t kFirst>
+  static HWY_INLINE Vec<I16> twice(Vec<U8> y) {
+    constexpr uint8_t k0 = kFirst, k1 = k0 + 2, k2 = k0 + 4, k3 = k0 + 6;
+    alignas(16) static constexpr uint8_t kPicks[16] = {
+        k0, 128, k0, 128, k1, 128, k1, 128, k2, 128, k2, 128, k3, 128, k3, 128};
+    return asI16(pickInBlocks(y, everyBlock(kPicks)));
+  }
+
+  // Half a vector. Chroma rows come interleaved, of the pairs and of the next ones.
+  HWY_INLINE Channels channels(Vec<U8> rows, Vec<U8> nextRows, Vec<I16> y,
+                               Vec<I16> yLeft, Vec<I16> yRight) const {
+    const Vec<I16> middle = hn::Set(i16, 256);
+    const Vec<I16> left = hn::Sub(pairProducts8(rows, rowWeights_), middle);
+    const Vec<I16> right =
+        hn::Add(hn::Sub(left, middle), pairProducts8(nextRows, rowWeights_));
+    const Vec<I16> rb2 = hn::Add(rb_, rb_), g2 = hn::Add(g_, g_);
+    const Vec<I32> half = hn::Set(i32, 1 << 15);
+    return {hn::Add(yLeft, hn::MulFixedPoint15(left, rb2)),
+            hn::Add(yRight, hn::MulFixedPoint15(right, rb_)),
+            hn::Add(y, upperHalves(hn::Add(pairProducts(left, g2), half),
+                                   hn::Add(pairProducts(right, g_), half)))};
+  }
+
+  const ChromaRows& chroma_;
+  Vec<I8> rowWeights_;
+  Vec<I16> rb_, g_;  // coefficients of right pixels
+};
 #endif
 
 struct Rgba8888 {
@@ -118,20 +131,17 @@ struct Rgba8888 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
-    const Vec<U8> alpha = hn::Set(u8, 255);
-#if HWY_TARGET == HWY_NEON
-    hn::StoreInterleaved4(c.r, c.g, c.b, alpha, u8, to);
-#else
-    const Vec<U8> r = splitTwice(c.r), g = splitTwice(c.g), b = splitTwice(c.b);
-    const auto rg0 = asU16(hn::InterleaveLower(u8, r, g));
-    const auto rg1 = asU16(hn::InterleaveUpper(u8, r, g));
-    const auto ba0 = asU16(hn::InterleaveLower(u8, b, alpha));
-    const auto ba1 = asU16(hn::InterleaveUpper(u8, b, alpha));
-    store(asU8(hn::InterleaveLower(u16, rg0, ba0)), to);
-    store(asU8(hn::InterleaveUpper(u16, rg0, ba0)), to + kBytes);
-    store(asU8(hn::InterleaveLower(u16, rg1, ba1)), to + 2 * kBytes);
-    store(asU8(hn::InterleaveUpper(u16, rg1, ba1)), to + 3 * kBytes);
-#endif
+    const Vec<U8> alpha = hn::Set(u8, 255), g = splitTwice(c.g);
+    const Vec<U16> left = asU16(splitTwice(c.rbLeft));
+    const Vec<U16> right = asU16(splitTwice(c.rbRight));
+    const Vec<U8> rb0 = asU8(hn::InterleaveLower(u16, left, right));
+    const Vec<U8> rb1 = asU8(hn::InterleaveUpper(u16, left, right));
+    const Vec<U8> ga0 = hn::InterleaveLower(u8, g, alpha);
+    const Vec<U8> ga1 = hn::InterleaveUpper(u8, g, alpha);
+    store(hn::InterleaveLower(u8, rb0, ga0), to);
+    store(hn::InterleaveUpper(u8, rb0, ga0), to + kBytes);
+    store(hn::InterleaveLower(u8, rb1, ga1), to + 2 * kBytes);
+    store(hn::InterleaveUpper(u8, rb1, ga1), to + 3 * kBytes);
   }
 #endif
 };
@@ -145,31 +155,26 @@ struct Rgb888 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
-#if HWY_TARGET == HWY_NEON
-    hn::StoreInterleaved3(c.r, c.g, c.b, u8, to);
-#else
-    // Byte 3 k + channel of 48 goes to its place modulo 16: one shuffle per channel,
-    // for all three blocks of the result. Which channel a place belongs to turns by
-    // one from block to block.
-    alignas(16) static constexpr uint8_t kR[16] = {0, 11, 6, 1, 12, 7,  2, 13,
-                                                   8, 3,  14, 9, 4, 15, 10, 5};
-    alignas(16) static constexpr uint8_t kG[16] = {5,  0, 11, 6, 1,  12, 7,  2,
-                                                   13, 8, 3,  14, 9, 4,  15, 10};
-    alignas(16) static constexpr uint8_t kB[16] = {10, 5,  0, 11, 6,  1, 12, 7,
-                                                   2,  13, 8, 3,  14, 9, 4,  15};
-    alignas(16) static constexpr uint8_t k0[16] = {255, 0, 0, 255, 0, 0, 255, 0,
-                                                   0, 255, 0, 0, 255, 0, 0, 255};
-    alignas(16) static constexpr uint8_t k1[16] = {0, 255, 0, 0, 255, 0, 0, 255,
-                                                   0, 0, 255, 0, 0, 255, 0, 0};
-    const Vec<U8> r = pickInBlocks(c.r, everyBlock(kR));
-    const Vec<U8> g = pickInBlocks(c.g, everyBlock(kG));
-    const Vec<U8> b = pickInBlocks(c.b, everyBlock(kB));
-    const Vec<U8> m0 = everyBlock(k0), m1 = everyBlock(k1);
-    const auto choose = [&](Vec<U8> at0, Vec<U8> at1, Vec<U8> at2) HWY_ATTR {
-      return hn::IfVecThenElse(m0, at0, hn::IfVecThenElse(m1, at1, at2));
+    // Each of three blocks takes R and B of some left and some right pixels, and G.
+    constexpr uint8_t z = 128;
+    alignas(16) static constexpr uint8_t kLeft[3][16] = {
+        {0, z, 1, z, z, z, 2, z, 3, z, z, z, 4, z, 5, z},
+        {z, z, 6, z, 7, z, z, z, 8, z, 9, z, z, z, 10, z},
+        {11, z, z, z, 12, z, 13, z, z, z, 14, z, 15, z, z, z}};
+    alignas(16) static constexpr uint8_t kRight[3][16] = {
+        {z, z, z, 0, z, 1, z, z, z, 2, z, 3, z, z, z, 4},
+        {z, 5, z, z, z, 6, z, 7, z, z, z, 8, z, 9, z, z},
+        {z, 10, z, 11, z, z, z, 12, z, 13, z, z, z, 14, z, 15}};
+    alignas(16) static constexpr uint8_t kGreen[3][16] = {
+        {z, 0, z, z, 1, z, z, 2, z, z, 3, z, z, 4, z, z},
+        {5, z, z, 6, z, z, 7, z, z, 8, z, z, 9, z, z, 10},
+        {z, z, 11, z, z, 12, z, z, 13, z, z, 14, z, z, 15, z}};
+    const auto block = [&](size_t i) HWY_ATTR {
+      return hn::Or3(pickInBlocks(c.rbLeft, everyBlock(kLeft[i])),
+                     pickInBlocks(c.rbRight, everyBlock(kRight[i])),
+                     pickInBlocks(c.g, everyBlock(kGreen[i])));
     };
-    storeBlocksInTurn(choose(r, g, b), choose(g, b, r), choose(b, r, g), to);
-#endif
+    storeBlocksInTurn(block(0), block(1), block(2), to);
   }
 #endif
 };
@@ -184,21 +189,21 @@ struct Rgb565 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
-    // Shifts are of 16 bits; masks drop what comes from the neighbouring byte.
-    const auto masked = [](Vec<U16> v, uint8_t mask) HWY_ATTR {
-      return hn::And(asU8(v), hn::Set(u8, mask));
+    const Vec<U8> g = splitBlocks(c.g), zero = hn::Zero(u8);
+    const Vec<U16> left = asU16(splitBlocks(c.rbLeft));
+    const Vec<U16> right = asU16(splitBlocks(c.rbRight));
+    // R in the lower, B in the upper byte; G in the upper byte of another word.
+    const auto words = [&](Vec<U16> rb, Vec<U16> g0) HWY_ATTR {
+      const Vec<U16> r = hn::And(hn::ShiftRight<3>(rb), hn::Set(u16, 0x001F));
+      const Vec<U16> gAt5 = hn::And(hn::ShiftRight<5>(g0), hn::Set(u16, 0x07E0));
+      return asU8(hn::Or3(r, gAt5, hn::And(rb, hn::Set(u16, 0xF800))));
     };
-    const Vec<U8> low = hn::Or(masked(hn::ShiftRight<3>(asU16(c.r)), 0x1F),
-                               masked(hn::ShiftLeft<3>(asU16(c.g)), 0xE0));
-    const Vec<U8> high = hn::Or(masked(hn::ShiftRight<5>(asU16(c.g)), 0x07),
-                                masked(asU16(c.b), 0xF8));
-#if HWY_TARGET == HWY_NEON
-    hn::StoreInterleaved2(low, high, u8, to);
-#else
-    const Vec<U8> l = splitBlocks(low), h = splitBlocks(high);
-    store(hn::InterleaveLower(u8, l, h), to);
-    store(hn::InterleaveUpper(u8, l, h), to + kBytes);
-#endif
+    store(words(hn::InterleaveLower(u16, left, right),
+                asU16(hn::InterleaveLower(u8, zero, g))),
+          to);
+    store(words(hn::InterleaveUpper(u16, left, right),
+                asU16(hn::InterleaveUpper(u8, zero, g))),
+          to + kBytes);
   }
 #endif
 };
@@ -208,11 +213,12 @@ template <class Format>
 HWY_INLINE void putPair(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
                         size_t j, size_t next) {
   const auto put = [&](size_t x, size_t other) HWY_ATTR {
-    const auto sum = [&](const uint8_t* partner, size_t byte) HWY_ATTR {
-      return chroma.own[2 * j + byte] + partner[2 * j + byte] +
-             chroma.own[2 * other + byte] + partner[2 * other + byte] - 512;
+    const auto sum = [&](bool lone, size_t byte) HWY_ATTR {
+      const uint8_t* row = lone ? chroma.own : chroma.other;
+      return chroma.own[2 * j + byte] + row[2 * j + byte] +
+             chroma.own[2 * other + byte] + row[2 * other + byte] - 512;
     };
-    const int first = sum(chroma.firstPartner, 0), second = sum(chroma.secondPartner, 1);
+    const int first = sum(chroma.loneFirst, 0), second = sum(!chroma.loneFirst, 1);
     const int u = chroma.uFirst ? first : second, v = chroma.uFirst ? second : first;
     const int y = luma[x];
     Format::put(to + x * Format::kPixelBytes,
@@ -224,31 +230,22 @@ HWY_INLINE void putPair(uint8_t* to, const uint8_t* luma, const ChromaRows& chro
   put(2 * j + 1, next);
 }
 
-template <class Format, bool kUFirst>
-HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
-                                const ChromaRows& chroma, size_t pairs) {
-#if ZELM_VECTORS
-  return inBlocks(pairs, kBytes / 2, [&](size_t j) HWY_ATTR {
-    Format::putAll(to + 2 * j * Format::kPixelBytes,
-                   rgbPixels<kUFirst>(luma, chroma, 2 * j));
-  });
-#else
-  (void)to, (void)luma, (void)chroma, (void)pairs;
-  return 0;
-#endif
-}
-
 template <class Format>
 HWY_INLINE void convertRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
                            size_t pairs) {
-  // Blocks take the first pair for an inner one; it is mended afterwards.
   const size_t last = pairs - 1;
-  size_t j = chroma.uFirst ? convertBlocks<Format, true>(to, luma, chroma, last)
-                           : convertBlocks<Format, false>(to, luma, chroma, last);
+  size_t done = 0;
+#if ZELM_VECTORS
+  const RgbKernel kernel(chroma);
+  done = inBlocks(last, kBytes / 2, [&](size_t j) HWY_ATTR {
+    Format::putAll(to + 2 * j * Format::kPixelBytes, kernel.pixels(luma, 2 * j));
+  });
+#endif
+  // Vectors take the first pair for an inner one, so it is done again.
   putPair<Format>(to, luma, chroma, 0, 0);
-  if (j == 0) j = 1;
-  for (; j < last; ++j) putPair<Format>(to, luma, chroma, j, j + 1);
-  if (last > 0) putPair<Format>(to, luma, chroma, last, last);
+  for (size_t j = done > 0 ? done : 1; j < pairs; ++j) {
+    putPair<Format>(to, luma, chroma, j, j < last ? j + 1 : j);
+  }
 }
 
 void rgba8888Row(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
@@ -289,11 +286,11 @@ void convertRegion(const ImageStruct& dst, const ImageStruct& src, ConvertRow* c
     const uint8_t* own = chroma.row(k);
     const uint8_t* above = partners ? chroma.row(k - 1) : own;
     const uint8_t* below = partners ? chroma.row(k + 1) : own;
-    // The upper row takes V from above, the lower one U from below.
-    convert(to.row(2 * k), luma.row(2 * k),
-            {own, uFirst ? own : above, uFirst ? above : own, uFirst}, chroma.columns);
-    convert(to.row(2 * k + 1), luma.row(2 * k + 1),
-            {own, uFirst ? below : own, uFirst ? own : below, uFirst}, chroma.columns);
+    // The upper row takes V from above as well, the lower one U from below.
+    convert(to.row(2 * k), luma.row(2 * k), {own, above, uFirst, uFirst},
+            chroma.columns);
+    convert(to.row(2 * k + 1), luma.row(2 * k + 1), {own, below, uFirst, !uFirst},
+            chroma.columns);
   }
 }
 

@@ -120,6 +120,7 @@ HWY_INLINE Vec<U8> loadBlocks(const From& from) {
 // narrowInBlocks   int32 to int16, limited
 // pairSums         sums of neighbouring bytes
 // pairDifferences  second minus first of neighbouring bytes
+// pairProducts8    a0 * b0 + a1 * b1 of neighbouring bytes; b is signed
 // pairProducts     a0 * b0 + a1 * b1 of neighbouring int16
 // joinBlocks       undoes the order that a pack of two vectors leaves
 #if HWY_ARCH_X86
@@ -137,6 +138,10 @@ HWY_INLINE hn::Vec128<uint16_t> pairSums(hn::Vec128<uint8_t> v) {
 }
 HWY_INLINE hn::Vec128<int16_t> pairDifferences(hn::Vec128<uint8_t> v) {
   return hn::Vec128<int16_t>{_mm_maddubs_epi16(v.raw, _mm_set1_epi16(0x01FF))};
+}
+HWY_INLINE hn::Vec128<int16_t> pairProducts8(hn::Vec128<uint8_t> a,
+                                             hn::Vec128<int8_t> b) {
+  return hn::Vec128<int16_t>{_mm_maddubs_epi16(a.raw, b.raw)};
 }
 HWY_INLINE hn::Vec128<int32_t> pairProducts(hn::Vec128<int16_t> a,
                                             hn::Vec128<int16_t> b) {
@@ -158,6 +163,10 @@ HWY_INLINE hn::Vec256<uint16_t> pairSums(hn::Vec256<uint8_t> v) {
 }
 HWY_INLINE hn::Vec256<int16_t> pairDifferences(hn::Vec256<uint8_t> v) {
   return hn::Vec256<int16_t>{_mm256_maddubs_epi16(v.raw, _mm256_set1_epi16(0x01FF))};
+}
+HWY_INLINE hn::Vec256<int16_t> pairProducts8(hn::Vec256<uint8_t> a,
+                                             hn::Vec256<int8_t> b) {
+  return hn::Vec256<int16_t>{_mm256_maddubs_epi16(a.raw, b.raw)};
 }
 HWY_INLINE hn::Vec256<int32_t> pairProducts(hn::Vec256<int16_t> a,
                                             hn::Vec256<int16_t> b) {
@@ -183,6 +192,10 @@ HWY_INLINE hn::Vec512<uint16_t> pairSums(hn::Vec512<uint8_t> v) {
 HWY_INLINE hn::Vec512<int16_t> pairDifferences(hn::Vec512<uint8_t> v) {
   return hn::Vec512<int16_t>{_mm512_maddubs_epi16(v.raw, _mm512_set1_epi16(0x01FF))};
 }
+HWY_INLINE hn::Vec512<int16_t> pairProducts8(hn::Vec512<uint8_t> a,
+                                             hn::Vec512<int8_t> b) {
+  return hn::Vec512<int16_t>{_mm512_maddubs_epi16(a.raw, b.raw)};
+}
 HWY_INLINE hn::Vec512<int32_t> pairProducts(hn::Vec512<int16_t> a,
                                             hn::Vec512<int16_t> b) {
   return hn::Vec512<int32_t>{_mm512_madd_epi16(a.raw, b.raw)};
@@ -204,6 +217,11 @@ HWY_INLINE Vec<I8> packSignedInBlocks(Vec<I16> a, Vec<I16> b) {
 HWY_INLINE Vec<U16> pairSums(Vec<U8> v) { return Vec<U16>{vpaddlq_u8(v.raw)}; }
 HWY_INLINE Vec<I16> pairDifferences(Vec<U8> v) {
   return asI16(hn::Sub(highBytes(v), lowBytes(v)));
+}
+HWY_INLINE Vec<I16> pairProducts8(Vec<U8> a, Vec<I8> b) {
+  const Vec<I16> even = asI16(hn::ShiftLeft<8>(asI16(b)));
+  return hn::Add(hn::Mul(asI16(lowBytes(a)), hn::ShiftRight<8>(even)),
+                 hn::Mul(asI16(highBytes(a)), hn::ShiftRight<8>(asI16(b))));
 }
 HWY_INLINE Vec<I32> pairProducts(Vec<I16> a, Vec<I16> b) {
   const int32x4_t low = vmull_s16(vget_low_s16(a.raw), vget_low_s16(b.raw));
@@ -301,6 +319,12 @@ HWY_INLINE Vec<I16> alternate(int even, int odd) {
   const uint32_t pair = static_cast<uint32_t>(even & 0xFFFF) |
                         static_cast<uint32_t>(odd) << 16;
   return hn::BitCast(i16, hn::Set(u32, pair));
+}
+
+// The upper halves of 32-bit lanes: in each lane a's below b's.
+HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
+  const Vec<I32> moved = hn::BitCast(i32, hn::ShiftRight<16>(hn::BitCast(u32, a)));
+  return hn::OddEven(asI16(b), asI16(moved));
 }
 
 #endif  // ZELM_VECTORS
