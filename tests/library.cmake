@@ -21,7 +21,7 @@ function(zelm_library_tests prefix objects)
 endfunction()
 
 zelm_library_tests(library zelm_objects)
-foreach(set avx2 sse4 plain)
+foreach(set avx512 avx2 sse4 plain)
   if(TARGET zelm_objects_${set})
     zelm_library_tests(${set} zelm_objects_${set})
   endif()

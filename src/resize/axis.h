@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "plane.h"
+
 namespace zelm {
 
 struct Axis {
@@ -36,9 +38,21 @@ struct Axis {
   }
 };
 
-// Destination columns are taken in strips, so that tables and filtered rows fit on
-// a small stack.
-constexpr size_t kStripColumns = 1024;
+// Destination rows are taken in strips of so many bytes, so that tables and filtered
+// rows fit on a small stack.
+constexpr size_t kStripBytes = 2048;
+
+// What every scaler does before it scales: nothing out of nothing, and equal extents
+// are a copy.
+template <class Kernel>
+void scalePlane(Kernel* kernel, const Region& to, const Region& from, size_t sample) {
+  if (from.empty()) return;
+  if (to.columns == from.columns && to.rows == from.rows) {
+    copyRows(to, from, to.rows, to.columns * sample);
+  } else {
+    kernel(to, from);
+  }
+}
 
 }  // namespace zelm
 

@@ -85,34 +85,31 @@ class PlainColumns {
 };
 
 #if ZELM_VECTORS
-// A vector of destination bytes is filtered in quarters of 32-bit lanes: in every
-// block, four bytes each, as they are packed again.
-template <size_t kLoads>
+// A vector of destination bytes is filtered in quarters of 32-bit lanes.
+template <size_t kPieces>
 class VectorColumns {
  public:
   template <class TapsOf>
   VectorColumns(const TapsOf& tapsOfByte, size_t rowBytes, size_t bytes)
       : bytes_(bytes) {
     for (size_t v = 0; v < vectorsFor(bytes); ++v) {
-      const size_t start = vectorStart(v, bytes);
       for (size_t quarter = 0; quarter < 4; ++quarter) {
-        for (size_t block = 0; block < kBlocks; ++block) {
-          findBlock(&quarter_[v][quarter], block, tapsOfByte,
-                    start + 16 * block + 4 * quarter, rowBytes);
+        for (size_t group = 0; group < kGroups; ++group) {
+          findGroup(&quarter_[4 * v + quarter], group, rowBytes, [&](size_t lane) HWY_ATTR {
+            return tapsOfByte(vectorStart(v, bytes) + byteOfLane<4>(quarter, lane));
+          });
         }
       }
     }
   }
 
-  void filterRow(int32_t* to, const uint8_t* from) const {
+  HWY_INLINE void filterRow(int32_t* to, const uint8_t* from) const {
     const Vec<I32> upper = hn::Set(i32, ~0xFFFF), lowest6 = hn::Set(i32, 63);
-    const Quarter* quarters = quarter_[0];
     for (size_t q = 0; q < 4 * vectorsFor(bytes_); ++q) {
-      const Quarter& table = quarters[q];
-      const LoadedPieces<kLoads> loaded(from, table.pieces);
+      const Quarter& table = quarter_[q];
       const auto products = [&](size_t half) HWY_ATTR {
-        const Vec<I16> samples = asI16(loaded.pick(table.picks[half]));
-        return pairProducts(samples, hn::Load(i16, table.weight[half]));
+        return pairProducts(asI16(table.picks[half].pickEven(from)),
+                            hn::Load(i16, table.weight[half]));
       };
       const Vec<I32> sum = hn::Add(products(0), products(1));
       const Vec<I32> split = hn::Or(hn::And(hn::ShiftLeft<10>(sum), upper),
@@ -121,8 +118,8 @@ class VectorColumns {
     }
   }
 
-  void combineRows(uint8_t* to, const int32_t* const (&rows)[4],
-                   const CubicTaps& weights) const {
+  HWY_INLINE void combineRows(uint8_t* to, const int32_t* const (&rows)[4],
+                              const CubicTaps& weights) const {
     const auto weight = [&](size_t t) HWY_ATTR {
       return alternate(weights.tap[t], 64 * weights.tap[t]);
     };
@@ -141,42 +138,41 @@ class VectorColumns {
       const Vec<I16> a = narrowInBlocks(combine(lane), combine(lane + kLanes));
       const Vec<I16> b =
           narrowInBlocks(combine(lane + 2 * kLanes), combine(lane + 3 * kLanes));
-      store(packInBlocks(a, b), to + vectorStart(v, bytes_));
+      store(joinParts<4>(packInBlocks(a, b)), to + vectorStart(v, bytes_));
     }
   }
 
  private:
   // Samples 0 and 1, then 2 and 3, as 16-bit lanes beside each other.
   struct Quarter {
-    Picks<kLoads> picks[2];
+    Picks<kPieces> picks[2];
     alignas(64) int16_t weight[2][kBytes / 2];
-    Pieces<kLoads> pieces;
   };
 
-  template <class TapsOf>
-  static HWY_INLINE void findBlock(Quarter* table, size_t block,
-                                   const TapsOf& tapsOfByte, size_t first,
-                                   size_t rowBytes) {
-    Taps taps[4];
+  template <class TapsOfLane>
+  static HWY_INLINE void findGroup(Quarter* table, size_t group, size_t rowBytes,
+                                   const TapsOfLane& tapsOfLane) {
+    constexpr size_t kLanes = kPieceBytes / 4;
+    Taps taps[kLanes];
     size_t lowest = SIZE_MAX;
-    for (size_t i = 0; i < 4; ++i) {
-      taps[i] = tapsOfByte(first + i);
+    for (size_t i = 0; i < kLanes; ++i) {
+      taps[i] = tapsOfLane(group * kLanes + i);
       if (taps[i].position[0] < lowest) lowest = taps[i].position[0];
     }
-    table->pieces.place(block, lowest, rowBytes);
-    for (size_t i = 0; i < 4; ++i) {
-      for (size_t t = 0; t < 4; ++t) {
-        Picks<kLoads>& picks = table->picks[t / 2];
-        const size_t lane = 2 * (4 * block + i) + t % 2;
-        picks.set(table->pieces, 2 * lane, taps[i].position[t]);
+    for (size_t half = 0; half < 2; ++half) {
+      Picks<kPieces>& picks = table->picks[half];
+      picks.place(group, lowest, rowBytes);
+      for (size_t i = 0; i < 2 * kLanes; ++i) {
+        const size_t lane = 2 * group * kLanes + i, t = 2 * half + i % 2;
+        picks.set(2 * lane, taps[i / 2].position[t]);
         picks.setZero(2 * lane + 1);
-        table->weight[t / 2][lane] = static_cast<int16_t>(taps[i].weights.tap[t]);
+        table->weight[half][lane] = static_cast<int16_t>(taps[i / 2].weights.tap[t]);
       }
     }
   }
 
   size_t bytes_;
-  Quarter quarter_[kCubicStripBytes / kBytes][4];
+  Quarter quarter_[4 * kCubicStripBytes / kBytes];
 };
 #endif  // ZELM_VECTORS
 
@@ -218,25 +214,23 @@ HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& dow
 }
 
 template <size_t kSample>
-HWY_INLINE void scalePlane(const Region& to, const Region& from) {
+HWY_INLINE void scaleAll(const Region& to, const Region& from) {
   const Axis across(from.columns, to.columns), down(from.rows, to.rows);
   const size_t rowBytes = to.columns * kSample;
   for (size_t first = 0; first < rowBytes; first += kCubicStripBytes) {
     const size_t rest = rowBytes - first;
     const size_t bytes = rest < kCubicStripBytes ? rest : kCubicStripBytes;
 #if ZELM_VECTORS
-    // Four bytes and their taps lie at most so far apart.
-    const size_t span = (across.before(4 / kSample - 1) + 5) * kSample;
     const size_t fromBytes = from.columns * kSample;
     const auto taps = [&](size_t i) HWY_ATTR {
       return tapsOf<kSample>(across, first + i);
     };
-    if (bytes >= kBytes && fromBytes >= 16 && span <= 32) {
-      if (span <= 16) {
-        scaleStrip(to, from, down, VectorColumns<1>(taps, fromBytes, bytes), first);
-      } else {
-        scaleStrip(to, from, down, VectorColumns<2>(taps, fromBytes, bytes), first);
-      }
+    if (bytes >= kBytes && fromBytes >= kPieceBytes &&
+        withPieces(spanOf<kSample>(across, kPieceBytes / 4, 3),
+                   [&](auto pieces) HWY_ATTR {
+                     const VectorColumns<pieces> columns(taps, fromBytes, bytes);
+                     scaleStrip(to, from, down, columns, first);
+                   })) {
       continue;
     }
 #endif
@@ -244,38 +238,24 @@ HWY_INLINE void scalePlane(const Region& to, const Region& from) {
   }
 }
 
-void scaleLuma(const Region& to, const Region& from) { scalePlane<1>(to, from); }
-void scaleChroma(const Region& to, const Region& from) { scalePlane<2>(to, from); }
+void scaleLuma(const Region& to, const Region& from) { scaleAll<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scaleAll<2>(to, from); }
 
 }  // namespace HWY_NAMESPACE
 }  // namespace
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
+#include "simd/again_with_vbmi.h"
+
 #if HWY_ONCE
-namespace zelm {
-namespace {
-
-void scale(void (*kernel)(const Region&, const Region&), const Region& to,
-           const Region& from, size_t sample) {
-  if (from.empty()) return;
-  if (to.columns == from.columns && to.rows == from.rows) {
-    copyRows(to, from, to.rows, to.columns * sample);
-  } else {
-    kernel(to, from);
-  }
-}
-
-}  // namespace
-}  // namespace zelm
-
 extern "C" void resize_cubic(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
-  scale(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
+  scalePlane(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
 }
 
 extern "C" void resize_cubicVU(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
-  scale(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
+  scalePlane(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
 }
 #endif  // HWY_ONCE

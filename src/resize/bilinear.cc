@@ -75,9 +75,8 @@ class PlainColumns {
 };
 
 #if ZELM_VECTORS
-// A vector of destination bytes is filtered in two halves of 16-bit lanes: the first
-// and the second eight bytes of every block, as they are packed again.
-template <size_t kLoads>
+// A vector of destination bytes is filtered in two halves of 16-bit lanes.
+template <size_t kPieces>
 class VectorColumns {
  public:
   static constexpr size_t kRowLanes = kStripBytes;
@@ -86,35 +85,31 @@ class VectorColumns {
   VectorColumns(const TapOf& tapOfByte, size_t rowBytes, size_t bytes)
       : bytes_(bytes) {
     for (size_t v = 0; v < vectorsFor(bytes); ++v) {
-      const size_t start = vectorStart(v, bytes);
       for (size_t half = 0; half < 2; ++half) {
-        Half& table = half_[v][half];
-        for (size_t block = 0; block < kBlocks; ++block) {
-          findBlock(&table, block, tapOfByte, start + 16 * block + 8 * half, rowBytes);
+        for (size_t group = 0; group < kGroups; ++group) {
+          findGroup(&half_[2 * v + half], group, rowBytes, [&](size_t lane) HWY_ATTR {
+            return tapOfByte(vectorStart(v, bytes) + byteOfLane<2>(half, lane));
+          });
         }
       }
     }
   }
 
-  void filterRow(int16_t* to, const uint8_t* from) const {
-    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      for (size_t half = 0; half < 2; ++half) {
-        const Half& table = half_[v][half];
-        const LoadedPieces<kLoads> loaded(from, table.pieces);
-        const Vec<U8> pairs = loaded.pick(table.picks);
-        const Vec<I16> weights = hn::Load(i16, table.weight);
-        // 256 left + weight (right - left)
-        const Vec<I16> left = asI16(hn::ShiftLeft<8>(asU16(pairs)));
-        const Vec<I16> filtered =
-            hn::Add(hn::Add(left, hn::Set(i16, static_cast<int16_t>(kBias))),
-                    hn::Mul(weights, pairDifferences(pairs)));
-        hn::Store(filtered, i16, to + v * kBytes + half * (kBytes / 2));
-      }
+  HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {
+    for (size_t h = 0; h < 2 * vectorsFor(bytes_); ++h) {
+      const Half& table = half_[h];
+      const Vec<U8> pairs = table.picks.pick(from);
+      // 256 left + weight (right - left)
+      const Vec<I16> left = asI16(hn::ShiftLeft<8>(asU16(pairs)));
+      const Vec<I16> biased = hn::Add(left, hn::Set(i16, static_cast<int16_t>(kBias)));
+      const Vec<I16> weighted =
+          hn::Mul(hn::Load(i16, table.weight), pairDifferences(pairs));
+      hn::Store(hn::Add(biased, weighted), i16, to + h * (kBytes / 2));
     }
   }
 
-  void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
-                 unsigned weight) const {
+  HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
+                            unsigned weight) const {
     const Vec<I16> weights =
         alternate(256 - static_cast<int>(weight), static_cast<int>(weight));
     const auto blend = [&](size_t lane) HWY_ATTR {
@@ -126,42 +121,42 @@ class VectorColumns {
                             half(hn::InterleaveUpper(i16, a, b)));
     };
     for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      putRow(to, v, blend(v * kBytes), blend(v * kBytes + kBytes / 2));
+      const size_t lane = v * kBytes;
+      const Vec<U8> centred =
+          asU8(packSignedInBlocks(blend(lane), blend(lane + kBytes / 2)));
+      store(hn::Xor(joinParts<2>(centred), hn::Set(u8, 128)),
+            to + vectorStart(v, bytes_));
     }
   }
 
  private:
   struct Half {
-    Picks<kLoads> picks;
+    Picks<kPieces> picks;
     alignas(64) int16_t weight[kBytes / 2];
-    Pieces<kLoads> pieces;
   };
 
-  template <class TapOf>
-  static HWY_INLINE void findBlock(Half* table, size_t block, const TapOf& tapOfByte,
-                                   size_t first, size_t rowBytes) {
-    Tap taps[8];
+  // Left and right samples side by side.
+  template <class TapOfLane>
+  static HWY_INLINE void findGroup(Half* table, size_t group, size_t rowBytes,
+                                   const TapOfLane& tapOfLane) {
+    constexpr size_t kLanes = kPieceBytes / 2;
+    Tap taps[kLanes];
     size_t lowest = SIZE_MAX;
-    for (size_t i = 0; i < 8; ++i) {
-      taps[i] = tapOfByte(first + i);
+    for (size_t i = 0; i < kLanes; ++i) {
+      taps[i] = tapOfLane(group * kLanes + i);
       if (taps[i].left < lowest) lowest = taps[i].left;
     }
-    table->pieces.place(block, lowest, rowBytes);
-    for (size_t i = 0; i < 8; ++i) {
-      const size_t lane = 8 * block + i;
-      table->picks.set(table->pieces, 2 * lane, taps[i].left);
-      table->picks.set(table->pieces, 2 * lane + 1, taps[i].right);
+    table->picks.place(group, lowest, rowBytes);
+    for (size_t i = 0; i < kLanes; ++i) {
+      const size_t lane = group * kLanes + i;
+      table->picks.set(2 * lane, taps[i].left);
+      table->picks.set(2 * lane + 1, taps[i].right);
       table->weight[lane] = static_cast<int16_t>(taps[i].weight);
     }
   }
 
-  HWY_INLINE void putRow(uint8_t* to, size_t v, Vec<I16> a, Vec<I16> b) const {
-    const Vec<U8> centred = asU8(packSignedInBlocks(a, b));
-    store(hn::Xor(centred, hn::Set(u8, 128)), to + vectorStart(v, bytes_));
-  }
-
   size_t bytes_;
-  Half half_[kStripVectors][2];
+  Half half_[2 * kStripBytes / kBytes];
 };
 #endif  // ZELM_VECTORS
 
@@ -206,26 +201,21 @@ HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& dow
 }
 
 template <size_t kSample>
-HWY_INLINE void scalePlane(const Region& to, const Region& from) {
+HWY_INLINE void scaleAll(const Region& to, const Region& from) {
   const Axis across(from.columns, to.columns), down(from.rows, to.rows);
   const size_t rowBytes = to.columns * kSample;
   for (size_t first = 0; first < rowBytes; first += kStripBytes) {
     const size_t rest = rowBytes - first;
     const size_t bytes = rest < kStripBytes ? rest : kStripBytes;
 #if ZELM_VECTORS
-    // Eight bytes belong to at most so many samples, which lie at most so far apart.
-    constexpr size_t kSamples = kSample == 1 ? 8 : 4;
-    const size_t span = (across.before(kSamples - 1) + 3) * kSample;
     const size_t fromBytes = from.columns * kSample;
     const auto tap = [&](size_t i) HWY_ATTR { return tapOf<kSample>(across, first + i); };
-    if (bytes >= kBytes && fromBytes >= 16 && span <= 48) {
-      if (span <= 16) {
-        scaleStrip(to, from, down, VectorColumns<1>(tap, fromBytes, bytes), first);
-      } else if (span <= 32) {
-        scaleStrip(to, from, down, VectorColumns<2>(tap, fromBytes, bytes), first);
-      } else {
-        scaleStrip(to, from, down, VectorColumns<3>(tap, fromBytes, bytes), first);
-      }
+    if (bytes >= kBytes && fromBytes >= kPieceBytes &&
+        withPieces(spanOf<kSample>(across, kPieceBytes / 2, 1),
+                   [&](auto pieces) HWY_ATTR {
+                     const VectorColumns<pieces> columns(tap, fromBytes, bytes);
+                     scaleStrip(to, from, down, columns, first);
+                   })) {
       continue;
     }
 #endif
@@ -233,40 +223,26 @@ HWY_INLINE void scalePlane(const Region& to, const Region& from) {
   }
 }
 
-void scaleLuma(const Region& to, const Region& from) { scalePlane<1>(to, from); }
-void scaleChroma(const Region& to, const Region& from) { scalePlane<2>(to, from); }
-void scale3Channels(const Region& to, const Region& from) { scalePlane<3>(to, from); }
+void scaleLuma(const Region& to, const Region& from) { scaleAll<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scaleAll<2>(to, from); }
+void scale3Channels(const Region& to, const Region& from) { scaleAll<3>(to, from); }
 
 }  // namespace HWY_NAMESPACE
 }  // namespace
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
+#include "simd/again_with_vbmi.h"
+
 #if HWY_ONCE
-namespace zelm {
-namespace {
-
-void scale(void (*kernel)(const Region&, const Region&), const Region& to,
-           const Region& from, size_t sample) {
-  if (from.empty()) return;
-  if (to.columns == from.columns && to.rows == from.rows) {
-    copyRows(to, from, to.rows, to.columns * sample);
-  } else {
-    kernel(to, from);
-  }
-}
-
-}  // namespace
-}  // namespace zelm
-
 extern "C" void resize_linear(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
-  scale(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
+  scalePlane(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
 }
 
 extern "C" void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
-  scale(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
+  scalePlane(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
 }
 
 // The destination is a packed block at `data`.
@@ -274,6 +250,6 @@ extern "C" void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const size_t columns = dst->roiWidth;
   const Region to = {dst->data, 3 * columns, columns, dst->roiHeight};
-  scale(ZELM_KERNEL(scale3Channels), to, packedRegion(*src, 3), 3);
+  scalePlane(ZELM_KERNEL(scale3Channels), to, packedRegion(*src, 3), 3);
 }
 #endif  // HWY_ONCE

@@ -48,7 +48,7 @@ class PlainColumns {
 };
 
 #if ZELM_VECTORS
-template <size_t kLoads>
+template <size_t kPieces>
 class VectorColumns {
  public:
   template <size_t kSample>
@@ -57,23 +57,21 @@ class VectorColumns {
       const size_t start = vectorStart(v, bytes_);
       for (size_t i = 0; i < kBytes; ++i) {
         const size_t position = strip.sourceByte(start + i);
-        if (i % 16 == 0) pieces_[v].place(i / 16, position, rowBytes);
-        picks_[v].set(pieces_[v], i, position);
+        if (i % kPieceBytes == 0) picks_[v].place(i / kPieceBytes, position, rowBytes);
+        picks_[v].set(i, position);
       }
     }
   }
 
-  void pickRow(uint8_t* to, const uint8_t* from) const {
+  HWY_INLINE void pickRow(uint8_t* to, const uint8_t* from) const {
     for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      const LoadedPieces<kLoads> loaded(from, pieces_[v]);
-      store(loaded.pick(picks_[v]), to + vectorStart(v, bytes_));
+      store(picks_[v].pick(from), to + vectorStart(v, bytes_));
     }
   }
 
  private:
   size_t bytes_;
-  Pieces<kLoads> pieces_[kStripVectors];
-  Picks<kLoads> picks_[kStripVectors];
+  Picks<kPieces> picks_[kStripBytes / kBytes];
 };
 #endif
 
@@ -94,29 +92,19 @@ HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& dow
 }
 
 template <size_t kSample>
-HWY_INLINE void scalePlane(const Region& to, const Region& from) {
+HWY_INLINE void scaleAll(const Region& to, const Region& from) {
   const Axis across(from.columns, to.columns), down(from.rows, to.rows);
   const size_t rowBytes = to.columns * kSample;
   for (size_t first = 0; first < rowBytes; first += kStripBytes) {
     const size_t rest = rowBytes - first;
     const Strip<kSample> strip{across, first, rest < kStripBytes ? rest : kStripBytes};
 #if ZELM_VECTORS
-    // Sixteen bytes lie at most this far apart in the source.
-    const size_t span = (across.before(16 / kSample - 1) + 2) * kSample;
     const size_t fromBytes = from.columns * kSample;
-    const auto scaleWith = [&](const auto& columns) HWY_ATTR {
-      scaleStrip(to, from, down, columns, first, strip.bytes);
-    };
-    if (strip.bytes >= kBytes && fromBytes >= 16 && span <= 64) {
-      if (span <= 16) {
-        scaleWith(VectorColumns<1>(strip, fromBytes));
-      } else if (span <= 32) {
-        scaleWith(VectorColumns<2>(strip, fromBytes));
-      } else if (span <= 48) {
-        scaleWith(VectorColumns<3>(strip, fromBytes));
-      } else {
-        scaleWith(VectorColumns<4>(strip, fromBytes));
-      }
+    if (strip.bytes >= kBytes && fromBytes >= kPieceBytes &&
+        withPieces(spanOf<kSample>(across, kPieceBytes, 0), [&](auto pieces) HWY_ATTR {
+          const VectorColumns<pieces> columns(strip, fromBytes);
+          scaleStrip(to, from, down, columns, first, strip.bytes);
+        })) {
       continue;
     }
 #endif
@@ -124,38 +112,24 @@ HWY_INLINE void scalePlane(const Region& to, const Region& from) {
   }
 }
 
-void scaleLuma(const Region& to, const Region& from) { scalePlane<1>(to, from); }
-void scaleChroma(const Region& to, const Region& from) { scalePlane<2>(to, from); }
+void scaleLuma(const Region& to, const Region& from) { scaleAll<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scaleAll<2>(to, from); }
 
 }  // namespace HWY_NAMESPACE
 }  // namespace
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
+#include "simd/again_with_vbmi.h"
+
 #if HWY_ONCE
-namespace zelm {
-namespace {
-
-void scale(void (*kernel)(const Region&, const Region&), const Region& to,
-           const Region& from, size_t sample) {
-  if (from.empty()) return;
-  if (to.columns == from.columns && to.rows == from.rows) {
-    copyRows(to, from, to.rows, to.columns * sample);
-  } else {
-    kernel(to, from);
-  }
-}
-
-}  // namespace
-}  // namespace zelm
-
 extern "C" void resize_nearest(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
-  scale(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
+  scalePlane(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
 }
 
 extern "C" void resize_nearestVU(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
-  scale(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
+  scalePlane(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
 }
 #endif  // HWY_ONCE

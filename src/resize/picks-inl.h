@@ -1,16 +1,20 @@
 // Gathering bytes of a source row in an order fixed beforehand. Included once per
 // instruction set.
 //
-// Every block of 16 bytes of a vector is picked, by one shuffle each, out of kLoads
-// pieces of 16 bytes that follow each other in the row. The last pieces are moved back
-// so that they end with the row; a row has at least 16 bytes.
-#if defined(ZELM_SRC_RESIZE_PICKS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+// Every group of kPieceBytes bytes of a vector is picked out of up to kMaxPieces pieces
+// of that size, which follow each other in the row. The last pieces are moved back so
+// that they end with the row; a row has at least kPieceBytes bytes. A piece is a block
+// of 16 bytes, and picking is one shuffle per piece; with VBMI it is a whole vector.
+#if ZELM_VBMI || defined(ZELM_SRC_RESIZE_PICKS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_PICKS_INL_H_
 #undef ZELM_SRC_RESIZE_PICKS_INL_H_
 #else
 #define ZELM_SRC_RESIZE_PICKS_INL_H_
 #endif
+#endif
 
+#include "resize/axis.h"
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -18,64 +22,138 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// Bytes of a destination row that tables are made for at a time, so that they and the
-// filtered rows fit on a small stack.
-constexpr size_t kStripBytes = 2048;
-
 #if ZELM_VECTORS
 
-constexpr size_t kStripVectors = kStripBytes / kBytes;
-constexpr uint8_t kNoByte = 128;  // for a shuffle: 0
+#if ZELM_VBMI
+constexpr size_t kPieceBytes = kBytes;
+#else
+constexpr size_t kPieceBytes = 16;
+#endif
+constexpr size_t kGroups = kBytes / kPieceBytes;
+constexpr size_t kMaxPieces = 4;
 
-// Where the pieces of a vector begin.
-template <size_t kLoads>
-struct Pieces {
-  uint32_t begin[kLoads][kBlocks];
-
-  HWY_INLINE void place(size_t block, size_t lowest, size_t rowBytes) {
-    const size_t last = rowBytes - 16;
-    for (size_t l = 0; l < kLoads; ++l) {
-      const size_t at = lowest + 16 * l;
-      begin[l][block] = static_cast<uint32_t>(at < last ? at : last);
+// Where the pieces of a vector begin, and which of their bytes it is made of.
+template <size_t kPieces>
+class Picks {
+ public:
+  // Group by group: first where the group's lowest byte lies in the row, then what each
+  // byte of the group is. Bytes not set are 0 in pick(), if they are odd ones in
+  // pickEven().
+  HWY_INLINE void place(size_t group, size_t lowest, size_t rowBytes) {
+    const size_t last = rowBytes - kPieceBytes;
+    for (size_t p = 0; p < kPieces; ++p) {
+      const size_t at = lowest + kPieceBytes * p;
+      begin_[p][group] = static_cast<uint32_t>(at < last ? at : last);
     }
   }
-};
+#if ZELM_VBMI
+  HWY_INLINE void set(size_t i, size_t position) {
+    size_t p = 0;
+    while (p + 1 < kPieces && position - begin_[p][0] >= kPieceBytes) ++p;
+    index_[i] = static_cast<uint8_t>(kPieceBytes * p + position - begin_[p][0]);
+  }
+  HWY_INLINE void setZero(size_t) {}
 
-// Which byte of its block's pieces each byte of a vector is.
-template <size_t kLoads>
-struct Picks {
-  alignas(64) uint8_t index[kLoads][kBytes];
-
-  // Byte `i` comes from `position`; pieces that overlap may both supply it.
-  HWY_INLINE void set(const Pieces<kLoads>& pieces, size_t i, size_t position) {
-    for (size_t l = 0; l < kLoads; ++l) {
-      const size_t offset = position - pieces.begin[l][i / 16];
-      index[l][i] = offset < 16 ? static_cast<uint8_t>(offset) : kNoByte;
+  HWY_INLINE Vec<U8> pick(const uint8_t* row) const { return pickMasked(row, ~0ull); }
+  HWY_INLINE Vec<U8> pickEven(const uint8_t* row) const {
+    return pickMasked(row, 0x5555555555555555ull);
+  }
+#else
+  HWY_INLINE void set(size_t i, size_t position) {
+    // Pieces that overlap may both supply the byte.
+    for (size_t p = 0; p < kPieces; ++p) {
+      const size_t offset = position - begin_[p][i / 16];
+      index_[p][i] = offset < 16 ? static_cast<uint8_t>(offset) : kNoByte;
     }
   }
   HWY_INLINE void setZero(size_t i) {
-    for (size_t l = 0; l < kLoads; ++l) index[l][i] = kNoByte;
+    for (size_t p = 0; p < kPieces; ++p) index_[p][i] = kNoByte;
   }
-};
 
-template <size_t kLoads>
-struct LoadedPieces {
-  Vec<U8> piece[kLoads];
-
-  HWY_INLINE LoadedPieces(const uint8_t* row, const Pieces<kLoads>& pieces) {
-    for (size_t l = 0; l < kLoads; ++l) {
-      piece[l] = loadBlocks(
-          [&](size_t block) HWY_ATTR { return row + pieces.begin[l][block]; });
-    }
-  }
-  HWY_INLINE Vec<U8> pick(const Picks<kLoads>& picks) const {
-    Vec<U8> result = pickInBlocks(piece[0], load(picks.index[0]));
-    for (size_t l = 1; l < kLoads; ++l) {
-      result = hn::Or(result, pickInBlocks(piece[l], load(picks.index[l])));
-    }
+  HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
+    Vec<U8> result = pickFrom(row, 0);
+    for (size_t p = 1; p < kPieces; ++p) result = hn::Or(result, pickFrom(row, p));
     return result;
   }
+  HWY_INLINE Vec<U8> pickEven(const uint8_t* row) const { return pick(row); }
+#endif
+
+ private:
+#if ZELM_VBMI
+  HWY_INLINE Vec<U8> pickMasked(const uint8_t* row, __mmask64 mask) const {
+    const __m512i index = _mm512_load_si512(index_);
+    const auto piece = [&](size_t p) HWY_ATTR { return load(row + begin_[p][0]).raw; };
+    if (kPieces == 1) return {_mm512_maskz_permutexvar_epi8(mask, index, piece(0))};
+    const __m512i low =
+        _mm512_maskz_permutex2var_epi8(mask, piece(0), index, piece(kPieces > 1));
+    if (kPieces == 2) return {low};
+    const __m512i high = _mm512_permutex2var_epi8(piece(kPieces - 2), index,
+                                                  piece(kPieces - 1));
+    return {_mm512_mask_blend_epi8(mask & _mm512_movepi8_mask(index), low, high)};
+  }
+
+  alignas(64) uint8_t index_[kBytes];
+#else
+  static constexpr uint8_t kNoByte = 128;  // for a shuffle: 0
+
+  HWY_INLINE Vec<U8> pickFrom(const uint8_t* row, size_t p) const {
+    const Vec<U8> piece =
+        loadBlocks([&](size_t block) HWY_ATTR { return row + begin_[p][block]; });
+    return pickInBlocks(piece, load(index_[p]));
+  }
+
+  alignas(64) uint8_t index_[kPieces][kBytes];
+#endif
+  uint32_t begin_[kPieces][kGroups];
 };
+
+template <size_t kPieces>
+using PieceCount = std::integral_constant<size_t, kPieces>;
+
+// Calls body(PieceCount<n>()) with as many pieces as `span` bytes need. False if no
+// number does.
+template <class Body>
+HWY_INLINE bool withPieces(size_t span, const Body& body) {
+  const size_t pieces = (span + kPieceBytes - 1) / kPieceBytes;
+  if (pieces <= 1) {
+    body(PieceCount<1>());
+  } else if (pieces == 2) {
+    body(PieceCount<2>());
+  } else if (pieces <= kMaxPieces) {
+    body(PieceCount<kMaxPieces>());
+  }
+  return pieces <= kMaxPieces;
+}
+
+// The most source bytes that `bytes` bytes of a destination row can span when each
+// needs the samples from `before` the nearest one to `after` it.
+template <size_t kSample>
+HWY_INLINE size_t spanOf(const Axis& across, size_t bytes, size_t extraSamples) {
+  // So many bytes belong to at most so many samples.
+  const size_t samples = kSample == 3 ? (bytes + 2) / 3 + 1 : bytes / kSample;
+  return (across.before(samples - 1) + 2 + extraSamples) * kSample;
+}
+
+// A vector of bytes is computed in kParts parts of wider lanes and packed again.
+// Parts are made such that packing in blocks needs no permutation, or, with VBMI, such
+// that the source bytes of a part lie close together.
+template <size_t kParts>
+HWY_INLINE size_t byteOfLane(size_t part, size_t lane) {
+#if ZELM_VBMI
+  return part * (kBytes / kParts) + lane;
+#else
+  constexpr size_t kLanes = 16 / kParts;
+  return lane / kLanes * 16 + part * kLanes + lane % kLanes;
+#endif
+}
+template <size_t kParts>
+HWY_INLINE Vec<U8> joinParts(Vec<U8> packed) {
+#if ZELM_VBMI
+  return kParts == 2 ? joinBlocks(packed) : joinTwice(packed);
+#else
+  return packed;
+#endif
+}
 
 // Vectors that cover `bytes` bytes, the last one moved back to end with them.
 HWY_INLINE size_t vectorsFor(size_t bytes) { return (bytes + kBytes - 1) / kBytes; }

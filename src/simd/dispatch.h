@@ -1,5 +1,6 @@
 // ZELM_KERNEL(name): the function `name` of the instruction set to run with, out of
-// those that simd/each_target.h has compiled. To be used under #if HWY_ONCE.
+// those that simd/each_target.h has compiled, and with VBMI where the file asks for it.
+// To be used under #if HWY_ONCE.
 #ifndef ZELM_SRC_SIMD_DISPATCH_H_
 #define ZELM_SRC_SIMD_DISPATCH_H_
 
@@ -11,8 +12,9 @@
 namespace zelm {
 
 template <class Kernel>
-Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512) {
-  Kernel* const kernels[] = {plain, sse4, avx2, avx512};
+Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
+                   Kernel* vbmi) {
+  Kernel* const kernels[] = {plain, sse4, avx2, avx512, vbmi};
   return kernels[static_cast<int>(instructionSet())];
 }
 
@@ -39,8 +41,15 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512) {
 #else
 #define ZELM_AVX512(name) HWY_NAMESPACE::name
 #endif
-#define ZELM_KERNEL(name) \
-  pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), &ZELM_AVX512(name))
+// Expanded where it is used, when a file's passes are over.
+#if defined(ZELM_HAS_VBMI)
+#define ZELM_WITH_VBMI(name) N_AVX3_VBMI::name
+#else
+#define ZELM_WITH_VBMI(name) ZELM_AVX512(name)
+#endif
+#define ZELM_KERNEL(name)                                                     \
+  pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name),           \
+             &ZELM_AVX512(name), &ZELM_WITH_VBMI(name))
 
 #else
 

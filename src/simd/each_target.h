@@ -21,12 +21,14 @@
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 #endif
 #define ZELM_VECTORS (HWY_TARGET != HWY_SCALAR)
+#define ZELM_VBMI 0  // but see simd/again_with_vbmi.h
 
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
 
 #else
 
 #define ZELM_VECTORS 0
+#define ZELM_VBMI 0
 #define HWY_ONCE 1
 #define HWY_NAMESPACE N_SCALAR
 #define HWY_BEFORE_NAMESPACE() static_assert(true, "")

@@ -2,7 +2,7 @@
 
 // Lowered in builds that show what an older processor would do.
 #ifndef ZELM_HIGHEST_INSTRUCTION_SET
-#define ZELM_HIGHEST_INSTRUCTION_SET kAvx512
+#define ZELM_HIGHEST_INSTRUCTION_SET kAvx512Vbmi
 #endif
 
 namespace zelm {
@@ -15,7 +15,8 @@ ProcessorFeatures processorFeatures() {
           __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
               __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma"),
           __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
-              __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw")};
+              __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw"),
+          __builtin_cpu_supports("avx512vbmi") != 0};
 #else
   return {};
 #endif
@@ -25,11 +26,11 @@ ProcessorFeatures processorFeatures() {
 
 InstructionSet chooseInstructionSet(const ProcessorFeatures& features,
                                     InstructionSet ceiling) {
-  InstructionSet best = InstructionSet::kPlain;
-  if (features.sse4) best = InstructionSet::kSse4;
-  if (features.sse4 && features.avx2) best = InstructionSet::kAvx2;
-  if (features.sse4 && features.avx2 && features.avx512) best = InstructionSet::kAvx512;
-  return best < ceiling ? best : ceiling;
+  const bool offered[] = {features.sse4, features.avx2, features.avx512, features.vbmi};
+  int best = 0;
+  while (best < 4 && offered[best]) ++best;
+  const InstructionSet highest = static_cast<InstructionSet>(best);
+  return highest < ceiling ? highest : ceiling;
 }
 
 InstructionSet instructionSet() {

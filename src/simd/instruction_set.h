@@ -6,13 +6,14 @@ namespace zelm {
 
 // In rising order. On processors other than x86-64 the choice is made when the
 // library is compiled, and only the last one counts.
-enum class InstructionSet { kPlain, kSse4, kAvx2, kAvx512 };
+enum class InstructionSet { kPlain, kSse4, kAvx2, kAvx512, kAvx512Vbmi };
 
 // What the processor and the operating system offer.
 struct ProcessorFeatures {
-  bool sse4;     // SSSE3, SSE4.1, SSE4.2
-  bool avx2;     // AVX2, BMI1, BMI2, FMA
-  bool avx512;   // AVX-512 F, VL, DQ, BW
+  bool sse4;    // SSSE3, SSE4.1, SSE4.2
+  bool avx2;    // AVX2, BMI1, BMI2, FMA
+  bool avx512;  // AVX-512 F, VL, DQ, BW
+  bool vbmi;    // AVX-512 VBMI: bytes permuted across a whole vector
 };
 
 // The highest set that is offered with all below it, and not above `ceiling`.

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #if ZELM_HIGHWAY
 #include "hwy/highway.h"
