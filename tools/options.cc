@@ -44,7 +44,7 @@ the other), .pgm, or a format's name (.nv12, .rgb565, ...); --to decides otherwi
 takes the first frame; a name with %d or %03d makes numbered pictures, from 1.
 Sizes and positions are even. Names that begin with a dash stand behind --.
 Output appears when it is complete; of numbered pictures, those that were complete
-before an error stay. A frame has less than 4 GiB in memory. Exit status: 0, or 2 with
+before an error stay. Frames written have less than 4 GiB. Exit status: 0, or 2 with
 one line that says what was wrong.)";
 
 // Whole numbers of a range; a sign or a number too large would otherwise wrap around.
