@@ -69,7 +69,8 @@ video() {
     return
   fi
   "$tool" testcard - --size 1280x720 --frames 50 --to y4m |
-    ffmpeg -v error -y -f yuv4mpegpipe -i - -c:v mpeg4 -q:v 3 $out/video.mp4
+    ffmpeg -v error -y -f yuv4mpegpipe -i - -vf scale=in_range=full:out_range=limited \
+      -c:v mpeg4 -q:v 3 $out/video.mp4
   ffmpeg -v error -i $out/video.mp4 -pix_fmt yuv420p -f yuv4mpegpipe - |
     "$tool" convert - $out/video-small.y4m --resize 640x360
   ffmpeg -v error -i $out/video.mp4 -frames:v 41 -vf scale=out_range=full \

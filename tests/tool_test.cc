@@ -148,7 +148,7 @@ TEST_F(ToolTest, RowPaddingIsDropped) {
   }
 }
 
-TEST_F(ToolTest, RedIsRedInBothWordOrders) {
+TEST_F(ToolTest, RedIsRedInEveryOrder) {
   const std::string red = std::string(4, 76) + "\xFF\x55";  // 2x2, nv21
   const auto convert = [&](const char* from, const char* to, const std::string& in) {
     return runOk({"convert", "-", "-", "--size", "2x2", "--from", from, "--to", to},
@@ -161,6 +161,8 @@ TEST_F(ToolTest, RedIsRedInBothWordOrders) {
   EXPECT_GT(static_cast<uint8_t>(convert("rgb565", "nv21", high)[4]), 240);
   EXPECT_EQ(convert("bgr565", "nv21", low), convert("rgb565", "nv21", high));
   EXPECT_EQ(convert("nv21", "rgb24", red), repeat(std::string("\xFE\0\0", 3), 4));
+  EXPECT_EQ(convert("nv21", "nv16", red), std::string(4, 76) + repeat("\x55\xFF", 2));
+  EXPECT_EQ(convert("nv21", "nv61", red), std::string(4, 76) + repeat("\xFF\x55", 2));
 }
 
 TEST_F(ToolTest, PicturesHoldTheLibrarysPixels) {
@@ -284,10 +286,13 @@ TEST_F(ToolTest, WrongInputIsRefusedInOneLine) {
       {{"convert", "ok.y4m", "x.y4m", "--crop", "1,0,4x4"}, "0,0,4x4 would do"},
       {{"convert", "ok.y4m", "x.y4m", "--at", "0,0"}, "--canvas"},
       {{"convert", "ok.y4m", "x.y4m", "--resize", "0x0"}, "2x2 would do"},
+      {{"convert", "ok.y4m", "x.png", "--resize", "65534x65534"}, "too large"},
+      {{"convert", "ok.y4m", "x.y4m", "--stride", "4294967296"}, "to 4294967295"},
       {{"convert", "ok.y4m", "x.y4m", "--luma", "lanczos"}, "cubic"},
       {{"convert", "ok.y4m", "x.png", "--frames", "2"}, "out-%03d.png"},
       {{"rotate", "ok.y4m", "x.y4m", "--angle", "45"}, "0, 90, 180 or 270"},
-      {{"testcard", "x.png", "--size", "65536x2"}, "65534x2 would do"}};
+      {{"testcard", "x.png", "--size", "65536x2"}, "65534x2 would do"},
+      {{"testcard", "x.tiled", "--size", "65534x65534"}, "too large"}};
   for (const auto& [args, words] : cases) expectRefusal(args, words);
 }
 
@@ -300,7 +305,7 @@ TEST_F(ToolTest, DamagedY4mIsRefused) {
   expectRefusal(args, "C422", start + " C422\nFRAME\n");
   expectRefusal(args, "6x4 would do", "YUV4MPEG2 W7 H4\nFRAME\n");
   expectRefusal(args, "no width", "YUV4MPEG2 W99999999999999999999 H4\nFRAME\n");
-  expectRefusal(args, "cut short", "YUV4MPEG2 W65534 H65534\nFRAME\nabc");
+  expectRefusal(args, "cut short", "YUV4MPEG2 W65534 H32768\nFRAME\nabc");
 }
 
 TEST_F(ToolTest, NamesLinksAndEarlierFiles) {

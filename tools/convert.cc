@@ -73,6 +73,7 @@ void runConvert(const ConvertOptions& options) {
   const Target target = chooseTarget(options.out, {nullptr, reader.y4m().has_value()});
   requireConvertible(reader.format(), *target.format);
   const Geometry geometry = chooseGeometry(options, reader.size());
+  requireMakeable(*target.format, geometry.canvas);
   Converter converter(reader.format().code, target.format->code, geometry, methods);
   processFrames(
       reader, target, geometry.canvas, reader.y4m(),

@@ -186,6 +186,13 @@ uint64_t fileBytes(const Format& format, Size size) {
   return bytes;
 }
 
+void requireMakeable(const Format& format, Size size) {
+  const size_t bytes = zelmFrameLayout(format.code, size.width, size.height).size;
+  if (bytes != 0 && bytes <= UINT32_MAX) return;
+  fail("frames of ", size, ' ', format.name, " are too large: the most is ", UINT32_MAX,
+       " bytes a frame");
+}
+
 void swapRedAndBlue(const uint8_t* from, uint8_t* to, size_t bytes) {
   for (size_t i = 0; i + 1 < bytes; i += 2) {
     const unsigned word = from[i] | from[i + 1] << 8;

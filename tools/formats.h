@@ -56,6 +56,8 @@ struct Plane {
 std::vector<Plane> filePlanes(const Format& format, Size size, Layout layout);
 // Bytes of a frame in a file.
 uint64_t fileBytes(const Format& format, Size size);
+// Fails when the library's record cannot tell how many bytes such a frame has.
+void requireMakeable(const Format& format, Size size);
 
 // Exchanges red and blue of 16-bit words; the two orders are each other's mirror.
 void swapRedAndBlue(const uint8_t* from, uint8_t* to, size_t bytes);

@@ -1,6 +1,7 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cstdio>
 
 #include "failure.h"
@@ -42,17 +43,21 @@ the other), .pgm, or a format's name (.nv12, .rgb565, ...); --to decides otherwi
 - is standard output. A Y4M stream's frame rate and other tags pass through. A PNG
 takes the first frame; a name with %d or %03d makes numbered pictures, from 1.
 Sizes and positions are even. Names that begin with a dash stand behind --.
-Output appears when it is complete. Exit status: 0, or 2 with one line that says
-what was wrong.)";
+Output appears when it is complete; of numbered pictures, those that were complete
+before an error stay. Frames written have less than 4 GiB. Exit status: 0, or 2 with
+one line that says what was wrong.)";
 
-// Whole numbers from `least`; a sign would otherwise wrap around.
-CLI::Validator numberFrom(uint64_t least) {
-  const auto check = [least](std::string& text) -> std::string {
-    const bool digits = text.find_first_not_of("0123456789") == std::string::npos;
-    if (digits && (least == 0 || text.find_first_not_of('0') != std::string::npos)) {
+// Whole numbers of a range; a sign or a number too large would otherwise wrap around.
+CLI::Validator numberFrom(uint64_t least, uint64_t most) {
+  const auto check = [=](std::string& text) -> std::string {
+    uint64_t number;
+    const char* end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error == std::errc() && rest == end && number >= least && number <= most) {
       return "";
     }
-    return text + " is no whole number from " + std::to_string(least);
+    return text + " is no whole number from " + std::to_string(least) + " to " +
+           std::to_string(most);
   };
   return CLI::Validator(check, "");
 }
@@ -68,14 +73,14 @@ void addInput(CLI::App* command, InputOptions* in) {
       ->add_option("--stride", in->stride,
                    "Bytes from row to row of raw frames with padded rows; chroma "
                    "rows of yuv420p and yv12 lie half as far apart")
-      ->check(numberFrom(1))
+      ->check(numberFrom(1, UINT32_MAX))
       ->type_name("BYTES");
   command->add_option("--crop", in->crop, "The source region")->type_name("X,Y,WxH");
   command->add_option("--skip", in->skip, "Frames to pass over at the start")
-      ->check(numberFrom(0))
+      ->check(numberFrom(0, UINT64_MAX))
       ->type_name("N");
   command->add_option("--frames", in->frames, "Frames to take at most")
-      ->check(numberFrom(1))
+      ->check(numberFrom(1, UINT64_MAX))
       ->type_name("N");
 }
 
@@ -150,7 +155,7 @@ void addTestcard(CLI::App* app, TestcardOptions* options) {
       ->required()
       ->type_name("WxH");
   command->add_option("--frames", options->frames, "Number of frames (default: 1)")
-      ->check(numberFrom(1))
+      ->check(numberFrom(1, UINT64_MAX))
       ->type_name("N");
 }
 

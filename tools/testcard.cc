@@ -28,6 +28,7 @@ void runTestcard(const TestcardOptions& options) {
   const Size size = parseSize("--size", options.size);
   requireFrameSize("--size", size);
   const Target target = chooseTarget(options.out, {});
+  requireMakeable(*target.format, size);
   if (holdsOneFrame(target) && options.frames > 1) {
     fail("--frames ", options.frames,
          ": a PNG holds one frame; for more the name needs a number, such as ",
