@@ -1,0 +1,163 @@
+#include "measure.h"
+
+#include <benchmark/benchmark.h>
+#include <stdio.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <map>
+
+#include "frames.h"
+
+namespace bench {
+namespace {
+
+// Keeps the shortest time of each contender: what disturbs a run only makes it longer.
+class Shortest : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context&) override { return true; }
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      if (run.run_type != Run::RT_Iteration) continue;
+      const double time = run.GetAdjustedCPUTime();
+      const auto seen = times_.emplace(run.run_name.function_name, time).first;
+      seen->second = std::min(seen->second, time);
+    }
+  }
+  double of(const std::string& name) const { return times_.at(name); }
+
+ private:
+  std::map<std::string, double> times_;
+};
+
+void contend(const std::string& name, std::function<void()> run) {
+  benchmark::RegisterBenchmark(name.c_str(), [run](benchmark::State& state) {
+    for (auto _ : state) {
+      run();
+      benchmark::ClobberMemory();
+    }
+  })->Unit(benchmark::kNanosecond);
+}
+
+// Mean squared error over bytes, or over the fields of 16-bit words scaled to bytes.
+class Error {
+ public:
+  void add(int a, int b) {
+    sum_ += (a - b) * (a - b);
+    ++count_;
+  }
+  double psnr() const {
+    return sum_ == 0 ? INFINITY : 10 * std::log10(255.0 * 255.0 * count_ / sum_);
+  }
+
+ private:
+  double sum_ = 0, count_ = 0;
+};
+
+double difference(const Row& row, const uint8_t* ours, const uint8_t* theirs) {
+  const Part part = partWritten(row.job);
+  Error error;
+  if (row.job.dst.format == FORMAT_RGB565) {
+    for (size_t i = 0; i + 1 < part.length; i += 2) {
+      const int a = ours[i] | ours[i + 1] << 8, b = theirs[i] | theirs[i + 1] << 8;
+      error.add((a & 31) << 3, (b & 31) << 3);
+      error.add((a >> 5 & 63) << 2, (b >> 5 & 63) << 2);
+      error.add(a >> 11 << 3, b >> 11 << 3);
+    }
+  } else {
+    for (size_t i = part.start; i < part.start + part.length; ++i) {
+      error.add(ours[i], theirs[i]);
+    }
+  }
+  return error.psnr();
+}
+
+bool correct(const Row& row, ImageStruct src, ImageStruct dst) {
+  Frame expected(row.job.dst, Buffer::kDestination);
+  const int code = row.ours(&dst, &src);
+  return code == 0 && row.expected(&expected.record, &src) == 0 &&
+         memcmp(expected.record.data, dst.data, expected.buffer->size()) == 0;
+}
+
+std::string fromFile(const char* path, const std::string& key) {
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line);) {
+    if (line.compare(0, key.size(), key) == 0) return line.substr(line.find(':') + 2);
+  }
+  return "unknown processor";
+}
+
+}  // namespace
+
+const PeerResult* Result::best() const {
+  const PeerResult* best = nullptr;
+  for (const PeerResult& p : peers) {
+    if (p.counted && (best == nullptr || p.time < best->time)) best = &p;
+  }
+  return best;
+}
+
+void prepare(const Effort& effort) {
+  std::vector<std::string> words = {
+      "zelm-bench", "--benchmark_enable_random_interleaving=true",
+      "--benchmark_repetitions=" + std::to_string(effort.repetitions),
+      "--benchmark_min_time=" + std::to_string(effort.seconds)};
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(&word[0]);
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+}
+
+Result measure(const Row& row, Mode mode) {
+  Result result = {};
+  Frame src(row.job.src, Buffer::kSource), dst(row.job.dst, Buffer::kDestination);
+  paint(src);
+  result.correct = correct(row, src.record, dst.record);
+  if (!result.correct) return result;
+
+  benchmark::ClearRegisteredBenchmarks();
+  const std::string prefix = row.name() + "/";
+  contend(prefix + "ours", [&] { row.ours(&dst.record, &src.record); });
+  const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
+  const Buffer from(moved, Buffer::kSource), to(moved, Buffer::kDestination);
+  std::vector<Frame> outputs;
+  if (mode != Mode::kOurTimeOnly) {
+    contend(prefix + "memcpy", [&] { memcpy(to.data(), from.data(), moved); });
+    for (const Library& library : libraries()) {
+      Job job = row.job;
+      job.src = src.record;
+      outputs.emplace_back(row.job.dst, Buffer::kDestination);
+      job.dst = outputs.back().record;
+      const Peer peer = peerFor(library, job);
+      if (peer.run == nullptr) continue;
+      peer.run();
+      result.peers.push_back({library.name, peer.remark, peer.counted, 0,
+                              difference(row, dst.record.data, job.dst.data)});
+      contend(prefix + library.name, peer.run);
+    }
+  }
+  if (mode == Mode::kDifferencesOnly) return result;
+
+  Shortest shortest;
+  benchmark::RunSpecifiedBenchmarks(&shortest, ".");
+  result.time = shortest.of(prefix + "ours");
+  if (mode == Mode::kOurTimeOnly) return result;
+  result.roof = shortest.of(prefix + "memcpy");
+  for (PeerResult& p : result.peers) p.time = shortest.of(prefix + p.library);
+  return result;
+}
+
+std::string machine() {
+  std::string text = "Processor: " + fromFile("/proc/cpuinfo", "model name");
+  for (const auto& cache : benchmark::CPUInfo::Get().caches) {
+    if (cache.type == "Instruction") continue;
+    text += ", L" + std::to_string(cache.level) + " " +
+            std::to_string(cache.size >> 10) + " KiB";
+  }
+  text += "  \nCompiler: " __VERSION__ "  \nPeers: ";
+  for (const Library& library : libraries()) text += library.version + ", ";
+  return text + "memcpy of the C library\n";
+}
+
+}  // namespace bench
