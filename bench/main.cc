@@ -1,5 +1,6 @@
 // Times every stage and pipeline beside other libraries and prints a table.
 #include <stdio.h>
+#include <unistd.h>
 
 #include <iostream>
 #include <regex>
@@ -19,7 +20,7 @@ constexpr char kUsage[] =
 
 struct Options {
   bool quick = false, list = false, differences = false, times = false;
-  std::regex rows;
+  std::regex rows = std::regex(".");
 };
 
 bool parse(int count, char** arguments, Options* options) {
@@ -42,8 +43,12 @@ bool parse(int count, char** arguments, Options* options) {
   return true;
 }
 
+// On a terminal, the line is overwritten by the next one.
+void showProgress(const std::string& text) {
+  if (isatty(STDERR_FILENO)) fprintf(stderr, "\r\033[K%s", text.c_str());
+}
+
 int run(const Options& options) {
-  // Half of the repetitions' time is enough to find rows that are far off.
   const bench::Effort effort =
       options.quick ? bench::Effort{5, 0.008} : bench::Effort{11, 0.02};
   const bench::Mode mode = options.times         ? bench::Mode::kOurTimeOnly
@@ -58,10 +63,11 @@ int run(const Options& options) {
       std::cout << row.name() << "\n";
       continue;
     }
-    fprintf(stderr, "\r\033[K%s", row.name().c_str());
+    showProgress(row.name());
     const bench::Result result = bench::measure(row, mode);
     if (!result.correct) {
-      fprintf(stderr, ": wrong output, not timed\n");
+      showProgress("");
+      fprintf(stderr, "%s: wrong output, not timed\n", row.name().c_str());
       ++wrong;
     } else if (options.times) {
       std::cout << row.name() << "\t" << result.time << "\n";
@@ -69,7 +75,7 @@ int run(const Options& options) {
       measured.emplace_back(row, result);
     }
   }
-  fprintf(stderr, "\r\033[K");
+  showProgress("");
   if (options.differences) {
     bench::printDifferences(measured, std::cout);
   } else if (!options.list && !options.times) {

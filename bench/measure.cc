@@ -55,7 +55,8 @@ class Error {
   double sum_ = 0, count_ = 0;
 };
 
-double difference(const Row& row, const uint8_t* ours, const uint8_t* theirs) {
+double difference(const Row& row, const Peer& peer, const uint8_t* ours,
+                  const uint8_t* theirs) {
   const Part part = partWritten(row.job);
   Error error;
   if (row.job.dst.format == FORMAT_RGB565) {
@@ -67,7 +68,8 @@ double difference(const Row& row, const uint8_t* ours, const uint8_t* theirs) {
     }
   } else {
     for (size_t i = part.start; i < part.start + part.length; ++i) {
-      error.add(ours[i], theirs[i]);
+      const bool other = peer.exchanged && i >= row.job.dst.uvOffset;
+      error.add(ours[i], theirs[other ? i ^ 1 : i]);
     }
   }
   return error.psnr();
@@ -133,7 +135,7 @@ Result measure(const Row& row, Mode mode) {
       if (peer.run == nullptr) continue;
       peer.run();
       result.peers.push_back({library.name, peer.remark, peer.counted, 0,
-                              difference(row, dst.record.data, job.dst.data)});
+                              difference(row, peer, dst.record.data, job.dst.data)});
       contend(prefix + library.name, peer.run);
     }
   }

@@ -78,6 +78,7 @@ class Chain {
     incomplete_ |= peer.run == nullptr;
     calls_.push_back(peer.run);
     peer_.counted &= peer.counted;
+    peer_.exchanged |= peer.exchanged;
     if (peer_.remark.empty()) peer_.remark = peer.remark;
   }
 

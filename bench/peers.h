@@ -43,6 +43,7 @@ struct Peer {
   std::function<void()> run;  // empty: the library has no such step
   std::string remark;         // what it does otherwise than asked
   bool counted = true;        // false: it answers another question
+  bool exchanged = false;     // the bytes of its chroma pairs are in the other order
 };
 
 struct Library {

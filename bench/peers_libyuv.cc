@@ -142,7 +142,7 @@ Peer offer(const Job& job) {
     case Step::kFromUyvy:
       return {
           [=] { libyuv::UYVYToNV12(s.y, 2 * s.w, d.y, d.w, d.uv, d.w, s.w, s.h); },
-          "chroma pairs stay U first"};
+          "chroma pairs stay U first", true, true};
     case Step::kFromRgb565:
       return fromRgb565(s, d);
     case Step::kToRgb:

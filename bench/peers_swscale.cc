@@ -110,6 +110,7 @@ Peer pipeline(const Job& job, const Picture& s, const Picture& d) {
 Peer offer(const Job& job) {
   const ImageStruct &s = job.src, &d = job.dst;
   switch (job.step) {
+    case Step::kCopy:  // of two planes, it copies the second in part
     case Step::kSwapChroma:
     case Step::kRotate:
       return {};
