@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <vector>
@@ -51,8 +52,9 @@ Buffer::Buffer(size_t size, Role role)
   start_ = memory_.get() + offsets[role];
 }
 
-Frame::Frame(const ImageStruct& like, Buffer::Role role)
-    : buffer(std::make_shared<Buffer>(like.dataSize, role)), record(like) {
+Frame::Frame(const ImageStruct& like, Buffer::Role role, size_t atLeast)
+    : buffer(std::make_shared<Buffer>(std::max<size_t>(like.dataSize, atLeast), role)),
+      record(like) {
   record.data = buffer->data();
 }
 

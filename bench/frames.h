@@ -9,8 +9,8 @@
 
 namespace bench {
 
-// Memory in large pages where the system has them. All destinations start at the same
-// place of a page, sources at another, so that no contender is lucky with its addresses.
+// Memory in large pages where the system has them. Sources and destinations start at
+// different places of a page, so that their addresses do not get in each other's way.
 class Buffer {
  public:
   enum Role { kSource, kDestination, kBetween };
@@ -25,9 +25,9 @@ class Buffer {
   size_t size_;
 };
 
-// A whole frame and its memory. Copies share the memory.
+// A whole frame and its memory, which may be larger. Copies share the memory.
 struct Frame {
-  Frame(const ImageStruct& like, Buffer::Role role);
+  Frame(const ImageStruct& like, Buffer::Role role, size_t atLeast = 0);
 
   std::shared_ptr<Buffer> buffer;
   ImageStruct record;

@@ -50,7 +50,7 @@ void showProgress(const std::string& text) {
 
 int run(const Options& options) {
   const bench::Effort effort =
-      options.quick ? bench::Effort{5, 0.008} : bench::Effort{11, 0.02};
+      options.quick ? bench::Effort{5, 0.008} : bench::Effort{25, 0.02};
   const bench::Mode mode = options.times         ? bench::Mode::kOurTimeOnly
                            : options.differences ? bench::Mode::kDifferencesOnly
                                                  : bench::Mode::kEverything;

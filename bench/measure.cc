@@ -79,7 +79,7 @@ bool correct(const Row& row, ImageStruct src, ImageStruct dst) {
   Frame expected(row.job.dst, Buffer::kDestination);
   const int code = row.ours(&dst, &src);
   return code == 0 && row.expected(&expected.record, &src) == 0 &&
-         memcmp(expected.record.data, dst.data, expected.buffer->size()) == 0;
+         memcmp(expected.record.data, dst.data, dst.dataSize) == 0;
 }
 
 std::string fromFile(const char* path, const std::string& key) {
@@ -113,29 +113,29 @@ void prepare(const Effort& effort) {
 
 Result measure(const Row& row, Mode mode) {
   Result result = {};
-  Frame src(row.job.src, Buffer::kSource), dst(row.job.dst, Buffer::kDestination);
+  const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
+  Frame src(row.job.src, Buffer::kSource, moved);
+  Frame dst(row.job.dst, Buffer::kDestination, moved);
+  uint8_t *const from = src.record.data, *const to = dst.record.data;
   paint(src);
   result.correct = correct(row, src.record, dst.record);
   if (!result.correct) return result;
+  const std::vector<uint8_t> ours(to, to + dst.record.dataSize);
 
   benchmark::ClearRegisteredBenchmarks();
   const std::string prefix = row.name() + "/";
   contend(prefix + "ours", [&] { row.ours(&dst.record, &src.record); });
-  const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
-  const Buffer from(moved, Buffer::kSource), to(moved, Buffer::kDestination);
-  std::vector<Frame> outputs;
   if (mode != Mode::kOurTimeOnly) {
-    contend(prefix + "memcpy", [&] { memcpy(to.data(), from.data(), moved); });
+    contend(prefix + "memcpy", [=] { memcpy(to, from, moved); });
+    Job job = row.job;
+    job.src = src.record;
+    job.dst = dst.record;
     for (const Library& library : libraries()) {
-      Job job = row.job;
-      job.src = src.record;
-      outputs.emplace_back(row.job.dst, Buffer::kDestination);
-      job.dst = outputs.back().record;
       const Peer peer = peerFor(library, job);
       if (peer.run == nullptr) continue;
       peer.run();
       result.peers.push_back({library.name, peer.remark, peer.counted, 0,
-                              difference(row, peer, dst.record.data, job.dst.data)});
+                              difference(row, peer, ours.data(), to)});
       contend(prefix + library.name, peer.run);
     }
   }

@@ -33,6 +33,7 @@ struct Effort {
 void prepare(const Effort& effort);
 
 enum class Mode { kEverything, kOurTimeOnly, kDifferencesOnly };
+// All contenders read the same memory and write the same memory.
 Result measure(const Row& row, Mode mode);
 
 // Processor, compiler and libraries, as Markdown.

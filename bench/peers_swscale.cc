@@ -68,7 +68,7 @@ Picture whole(const ImageStruct& f, bool written) {
 
 // Full range on both sides, one thread.
 std::function<void()> scaled(const Picture& s, const Picture& d, int flags) {
-  if (s.format == AV_PIX_FMT_NONE || d.format == AV_PIX_FMT_NONE) return {};
+  if (!sws_isSupportedInput(s.format) || !sws_isSupportedOutput(d.format)) return {};
   const std::shared_ptr<SwsContext> context(
       sws_getContext(s.width, s.height, s.format, d.width, d.height, d.format, flags,
                      nullptr, nullptr, nullptr),
