@@ -79,7 +79,7 @@ int run(const Options& options) {
   if (options.differences) {
     bench::printDifferences(measured, std::cout);
   } else if (!options.list && !options.times) {
-    std::cout << bench::machine() << "Each time is the shortest of "
+    std::cout << bench::machine() << "Each time is the lower quartile of "
               << effort.repetitions << " repetitions of at least "
               << effort.seconds * 1000
               << " ms (processor time, one thread, contenders in random order).\n\n";

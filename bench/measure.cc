@@ -13,22 +13,25 @@
 namespace bench {
 namespace {
 
-// Keeps the shortest time of each contender: what disturbs a run only makes it longer.
-class Shortest : public benchmark::BenchmarkReporter {
+// Takes the lower quartile of each contender's repetitions. What disturbs a repetition
+// makes it longer, and the very shortest one is a matter of luck.
+class LowerQuartile : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context&) override { return true; }
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.run_type != Run::RT_Iteration) continue;
-      const double time = run.GetAdjustedCPUTime();
-      const auto seen = times_.emplace(run.run_name.function_name, time).first;
-      seen->second = std::min(seen->second, time);
+      times_[run.run_name.function_name].push_back(run.GetAdjustedCPUTime());
     }
   }
-  double of(const std::string& name) const { return times_.at(name); }
+  double of(const std::string& name) {
+    std::vector<double>& all = times_.at(name);
+    std::sort(all.begin(), all.end());
+    return all[all.size() / 4];
+  }
 
  private:
-  std::map<std::string, double> times_;
+  std::map<std::string, std::vector<double>> times_;
 };
 
 void contend(const std::string& name, std::function<void()> run) {
@@ -141,12 +144,12 @@ Result measure(const Row& row, Mode mode) {
   }
   if (mode == Mode::kDifferencesOnly) return result;
 
-  Shortest shortest;
-  benchmark::RunSpecifiedBenchmarks(&shortest, ".");
-  result.time = shortest.of(prefix + "ours");
+  LowerQuartile times;
+  benchmark::RunSpecifiedBenchmarks(&times, ".");
+  result.time = times.of(prefix + "ours");
   if (mode == Mode::kOurTimeOnly) return result;
-  result.roof = shortest.of(prefix + "memcpy");
-  for (PeerResult& p : result.peers) p.time = shortest.of(prefix + p.library);
+  result.roof = times.of(prefix + "memcpy");
+  for (PeerResult& p : result.peers) p.time = times.of(prefix + p.library);
   return result;
 }
 
