@@ -35,12 +35,15 @@ class LowerQuartile : public benchmark::BenchmarkReporter {
 };
 
 void contend(const std::string& name, std::function<void()> run) {
-  benchmark::RegisterBenchmark(name.c_str(), [run](benchmark::State& state) {
-    for (auto _ : state) {
-      run();
-      benchmark::ClobberMemory();
-    }
-  })->Unit(benchmark::kNanosecond);
+  benchmark::RegisterBenchmark(name.c_str(),
+                               [run](benchmark::State& state) {
+                                 for (auto _ : state) {
+                                   run();
+                                   benchmark::ClobberMemory();
+                                 }
+                               })
+      ->Unit(benchmark::kNanosecond)
+      ->MeasureProcessCPUTime();
 }
 
 // Mean squared error over bytes, or over the fields of 16-bit words scaled to bytes.

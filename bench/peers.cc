@@ -28,29 +28,20 @@ class Chain {
 
   Peer build() {
     ImageStruct at = job_.src;
+    const ImageStruct& end = job_.dst;
     if (!semiPlanar(at.format)) {
-      at = add(stepInto420(at.format), at, FORMAT_YUV420SPVU, at.width, at.height);
+      at = add({stepInto420(at.format)}, at, FORMAT_YUV420SPVU, at.width, at.height);
     } else {
-      int n = getReductionRate(&job_.dst, &at);
-      for (; n > 0; n -= std::min(n, 2)) {
+      for (int n = getReductionRate(&job_.dst, &at); n > 0; n -= std::min(n, 2)) {
         const int k = std::min(n, 2);
-        at = add(Step::kBox, at, at.format, at.width >> k, at.height >> k);
+        at = add({Step::kBox}, at, at.format, at.width >> k, at.height >> k);
       }
     }
-    const bool swap = semiPlanar(job_.dst.format) && job_.dst.format != at.format;
-    if (!sameExtent(at, job_.dst)) {
-      const ImageStruct from = at;
-      at = add(Step::kScaleChroma, from, from.format, job_.dst.width, job_.dst.height);
-      add(Step::kScaleLuma, from, swap ? job_.dst : at);
-      if (swap) add(Step::kSwapChroma, at, job_.dst);
-    } else if (swap) {
-      add(Step::kSwap, at, job_.dst);
+    if (!sameExtent(at, end)) {
+      at = add({Step::kScaleLuma, Step::kScaleChroma}, at, at.format, end.width,
+               end.height);
     }
-    if (job_.dst.format == FORMAT_YUV420SPMB) {
-      add(Step::kToTiles, at, job_.dst);
-    } else if (!semiPlanar(job_.dst.format)) {
-      add(Step::kToRgb, at, job_.dst);
-    }
+    if (at.format != end.format) addLast(at);
     if (incomplete_) return {};
     peer_.run = [calls = calls_, frames = frames_] {
       for (const auto& call : calls) call();
@@ -59,22 +50,41 @@ class Chain {
   }
 
  private:
-  // Adds a step into a new frame, or into the destination if it is such a frame.
-  ImageStruct add(Step step, const ImageStruct& src, uint32_t format, int width,
-                  int height) {
-    ImageStruct dst = shape(format, width, height);
-    if (format == job_.dst.format && sameExtent(dst, job_.dst)) {
-      dst = job_.dst;
-    } else {
-      frames_.emplace_back(dst, Buffer::kBetween);
-      dst = frames_.back().record;
+  // Adds steps that write a semi-planar frame and returns it. A frame like the
+  // destination is the destination. When only the order of the chroma differs, the luma
+  // goes there at once and the chroma follows with its pairs exchanged.
+  ImageStruct add(std::initializer_list<Step> steps, const ImageStruct& src,
+                  uint32_t format, int width, int height) {
+    Job job = {Step::kCopy, src, job_.dst, job_.method, 0};
+    ImageStruct frame = shape(format, width, height);
+    const bool last = sameExtent(frame, job_.dst);
+    const bool swap = last && semiPlanar(job_.dst.format) && format != job_.dst.format;
+    if (!last || format != job_.dst.format) {
+      frames_.emplace_back(frame, Buffer::kBetween);
+      frame = frames_.back().record;
+      if (swap) {
+        job.dstChroma = frame.data + frame.uvOffset;
+      } else {
+        job.dst = frame;
+      }
     }
-    add(step, src, dst);
-    return dst;
+    for (Step step : steps) {
+      job.step = step;
+      add(job);
+    }
+    if (swap) add({Step::kSwapChroma, frame, job_.dst, 0, 0});
+    return job.dst;
   }
 
-  void add(Step step, const ImageStruct& src, const ImageStruct& dst) {
-    const Peer peer = library_.offer({step, src, dst, job_.method, job_.rotation});
+  void addLast(const ImageStruct& src) {
+    const Step step = semiPlanar(job_.dst.format)            ? Step::kSwap
+                      : job_.dst.format == FORMAT_YUV420SPMB ? Step::kToTiles
+                                                             : Step::kToRgb;
+    add({step, src, job_.dst, 0, 0});
+  }
+
+  void add(const Job& job) {
+    const Peer peer = library_.offer(job);
     incomplete_ |= peer.run == nullptr;
     calls_.push_back(peer.run);
     peer_.counted &= peer.counted;

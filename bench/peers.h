@@ -35,8 +35,9 @@ enum class Step {
 struct Job {
   Step step;
   ImageStruct src, dst;
-  int method;    // ResizeMethod, of both planes
-  int rotation;  // RotationCode
+  int method;                    // ResizeMethod, of both planes
+  int rotation;                  // RotationCode
+  uint8_t* dstChroma = nullptr;  // where the chroma goes, if not into dst
 };
 
 struct Peer {
@@ -55,8 +56,8 @@ struct Library {
 // Those that were found when this was built.
 std::vector<Library> libraries();
 
-// The library's way to do the job. A pipeline is made of its steps unless it has one call
-// for all; memory in between is taken beforehand.
+// The library's way to do the job. A pipeline is made of its steps unless it has one
+// call for all; memory in between is taken beforehand.
 Peer peerFor(const Library& library, const Job& job);
 
 Library libyuvLibrary();

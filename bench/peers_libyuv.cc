@@ -11,8 +11,11 @@ namespace bench {
 namespace {
 
 struct View {
-  explicit View(const ImageStruct& f)
-      : y(f.data), uv(f.data + f.uvOffset), w(f.width), h(f.height) {}
+  explicit View(const ImageStruct& f, uint8_t* chroma = nullptr)
+      : y(f.data),
+        uv(chroma != nullptr ? chroma : f.data + f.uvOffset),
+        w(f.width),
+        h(f.height) {}
   uint8_t *y, *uv;
   int w, h;
 };
@@ -116,7 +119,7 @@ std::function<void()> rotated(int rotation, const View& s, const View& d) {
 }
 
 Peer offer(const Job& job) {
-  const View s(job.src), d(job.dst);
+  const View s(job.src), d(job.dst, job.dstChroma);
   const libyuv::FilterMode filter = filterFor(job.method);
   switch (job.step) {
     case Step::kCopy:
@@ -126,11 +129,10 @@ Peer offer(const Job& job) {
               },
               ""};
     case Step::kSwap:
-      return {
-          [=] {
-            libyuv::NV21ToNV12(s.y, s.w, s.uv, s.w, d.y, d.w, d.uv, d.w, s.w, s.h);
-          },
-          ""};
+      return {[=] {
+                libyuv::NV21ToNV12(s.y, s.w, s.uv, s.w, d.y, d.w, d.uv, d.w, s.w, s.h);
+              },
+              ""};
     case Step::kSwapChroma:
       return {[=] { libyuv::SwapUVPlane(s.uv, s.w, d.uv, d.w, s.w / 2, s.h / 2); }, ""};
     case Step::kToPlanar:
@@ -158,9 +160,8 @@ Peer offer(const Job& job) {
               },
               ""};
     case Step::kFromUyvy:
-      return {
-          [=] { libyuv::UYVYToNV12(s.y, 2 * s.w, d.y, d.w, d.uv, d.w, s.w, s.h); },
-          "chroma pairs stay U first", true, true};
+      return {[=] { libyuv::UYVYToNV12(s.y, 2 * s.w, d.y, d.w, d.uv, d.w, s.w, s.h); },
+              "chroma pairs stay U first", true, true};
     case Step::kFromRgb565:
       return fromRgb565(s, d);
     case Step::kToRgb:

@@ -12,11 +12,11 @@ using cv::Mat;
 
 // The planes of a frame, as far as its format has them.
 struct View {
-  explicit View(const ImageStruct& f)
+  explicit View(const ImageStruct& f, uint8_t* chroma = nullptr)
       : w(f.width),
         h(f.height),
         y(h, w, CV_8UC1, f.data),
-        uv(h / 2, w / 2, CV_8UC2, f.data + f.uvOffset),
+        uv(h / 2, w / 2, CV_8UC2, chroma != nullptr ? chroma : f.data + f.uvOffset),
         rgb(h, w, CV_8UC3, f.data) {}
   int w, h;
   Mat y, uv, rgb;
@@ -100,7 +100,8 @@ void forRowsOfTiles(uint8_t* tiled, uint8_t* linear, int w, int h, int tileHeigh
                     Move move) {
   for (int y = 0; y < h; y += tileHeight) {
     const int rows = std::min(tileHeight, h - y);
-    Mat tiles(w / 8, rows, CV_64FC1, tiled + y * w, 8 * static_cast<size_t>(tileHeight));
+    Mat tiles(w / 8, rows, CV_64FC1, tiled + y * w,
+              8 * static_cast<size_t>(tileHeight));
     Mat lines(rows, w / 8, CV_64FC1, linear + y * w, static_cast<size_t>(w));
     move(tiles, lines);
   }
@@ -149,7 +150,7 @@ Peer rotated(int rotation, View s, View d) {
 }
 
 Peer offer(const Job& job) {
-  View s(job.src), d(job.dst);
+  View s(job.src), d(job.dst, job.dstChroma);
   switch (job.step) {
     case Step::kCopy:
       return {[=]() mutable {
@@ -168,9 +169,10 @@ Peer offer(const Job& job) {
     case Step::kToPlanar: {
       const PlanarChroma to = planarDestination(job.dst);
       const size_t stride = static_cast<size_t>(to.stride);
-      return {[=, planes = std::vector<Mat>{
-                      Mat(d.h / 2, d.w / 2, CV_8UC1, to.first, stride),
-                      Mat(d.h / 2, d.w / 2, CV_8UC1, to.second, stride)}]() mutable {
+      return {[=, planes =
+                      std::vector<Mat>{Mat(d.h / 2, d.w / 2, CV_8UC1, to.first, stride),
+                                       Mat(d.h / 2, d.w / 2, CV_8UC1, to.second,
+                                           stride)}]() mutable {
                 s.y.copyTo(d.y);
                 cv::split(s.uv, planes);
               },
@@ -178,9 +180,9 @@ Peer offer(const Job& job) {
     }
     case Step::kFromPlanar: {
       const PlanarChroma from = planarSource(job.src);
-      return {[=, planes = std::vector<Mat>{
-                      Mat(s.h / 2, s.w / 2, CV_8UC1, from.first),
-                      Mat(s.h / 2, s.w / 2, CV_8UC1, from.second)}]() mutable {
+      return {[=, planes = std::vector<Mat>{Mat(s.h / 2, s.w / 2, CV_8UC1, from.first),
+                                            Mat(s.h / 2, s.w / 2, CV_8UC1,
+                                                from.second)}]() mutable {
                 s.y.copyTo(d.y);
                 cv::merge(planes, d.uv);
               },

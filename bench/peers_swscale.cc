@@ -35,8 +35,7 @@ Picture planar(const ImageStruct& f, const PlanarChroma& c) {
 }
 
 Picture semiPlanar(const ImageStruct& f, AVPixelFormat format) {
-  return {
-      format, {f.data, f.data + f.uvOffset}, {f.width, f.width}, f.width, f.height};
+  return {format, {f.data, f.data + f.uvOffset}, {f.width, f.width}, f.width, f.height};
 }
 
 Picture packed(const ImageStruct& f, AVPixelFormat format, int bytes) {

@@ -102,8 +102,8 @@ const Size kSizes[] = {kVga, k1080p, k2160p};
 const struct {
   Size from, to;
 } kScalings[] = {
-    {k1080p, k720p},      {k1080p, {1000, 562}}, {k720p, k1080p}, {k2160p, k1080p},
-    {k1080p, {640, 360}}, {kVga, {1920, 1440}},
+    {k1080p, k720p},  {k1080p, {1000, 562}}, {k720p, k1080p},
+    {k2160p, k1080p}, {k1080p, {640, 360}},  {kVga, {1920, 1440}},
 };
 
 const struct Pipeline {
@@ -119,8 +119,18 @@ const struct Pipeline {
     {"NV12 scaled", kNv12, k1080p, kNv12, k720p, RESIZE_LINEAR},
     {"NV12 reduced to NV21", kNv12, k2160p, kNv21, k1080p, RESIZE_LINEAR},
     {"NV21 scaled to RGBA8888", kNv21, k1080p, kRgba, k720p, RESIZE_LINEAR},
-    {"NV21 scaled to RGB888, nearest", kNv21, k1080p, k888, {1000, 562}, RESIZE_NEAREST},
-    {"NV21 scaled to RGBA8888, bicubic", kNv21, kVga, kRgba, {1440, 1080}, RESIZE_CUBIC},
+    {"NV21 scaled to RGB888, nearest",
+     kNv21,
+     k1080p,
+     k888,
+     {1000, 562},
+     RESIZE_NEAREST},
+    {"NV21 scaled to RGBA8888, bicubic",
+     kNv21,
+     kVga,
+     kRgba,
+     {1440, 1080},
+     RESIZE_CUBIC},
     {"NV21 reduced, scaled to RGBA8888", kNv21, k2160p, kRgba, k720p, RESIZE_LINEAR},
     {"NV21 reduced, scaled to RGB565", kNv21, k2160p, k565, {320, 180}, RESIZE_LINEAR},
     {"NV21 to tiles", kNv21, k1080p, kTiled, k1080p, RESIZE_LINEAR},

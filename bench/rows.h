@@ -1,4 +1,5 @@
-// The rows of the table: each stage and pipeline at each size, with the figure to reach.
+// The rows of the table: each stage and pipeline at each size, with the figure to
+// reach.
 #ifndef ZELM_BENCH_ROWS_H
 #define ZELM_BENCH_ROWS_H
 
@@ -13,7 +14,7 @@ namespace bench {
 struct Row {
   std::string stage, size;
   Job job;
-  std::function<int(ImageStruct* dst, ImageStruct* src)> ours, expected;
+  std::function<int(ImageStruct*dst, ImageStruct*src)> ours, expected;
   double target;  // ratio to the fastest peer that counts
   double roof;    // fraction of the speed of memcpy; 0: no figure to reach
 

@@ -116,8 +116,8 @@ void printMissed(const Measured& rows, std::ostream& out) {
   }
   out << "\nFigures reached: " << met << " of " << rows.size() << " rows. ";
   out << (below.empty() ? "None is missed.\n" : "Missed:\n\n" + below);
-  out << "\nSlower than " << format("%.2f", kFloor) << " of the fastest peer: "
-      << (slow.empty() ? "none.\n" : "\n\n" + slow);
+  out << "\nSlower than " << format("%.2f", kFloor)
+      << " of the fastest peer: " << (slow.empty() ? "none.\n" : "\n\n" + slow);
 }
 
 }  // namespace
@@ -145,12 +145,14 @@ void printTable(const Measured& rows, std::ostream& out) {
       ++compared;
     }
   }
-  out << "\nA peer's figure is its time divided by ours: above 1 we are faster. Bold is "
+  out << "\nA peer's figure is its time divided by ours: above 1 we are faster. Bold "
+         "is "
          "the fastest peer of the row; in brackets are peers that answer another "
          "question and are not counted. \"Of memcpy\" compares with copying half of "
          "all bytes read and written. A ratio of 1 counts as reached from "
-      << format("%.2f", 1 - kNoise) << " on, from " << format("%.2f", 1 - kNoiseInMemory)
-      << " on where more than " << (kInMemory >> 20) << " MiB are moved.\n\n";
+      << format("%.2f", 1 - kNoise) << " on, from "
+      << format("%.2f", 1 - kNoiseInMemory) << " on where more than "
+      << (kInMemory >> 20) << " MiB are moved.\n\n";
   notes.print(out);
   printMissed(rows, out);
   if (compared > 0) {
