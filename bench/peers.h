@@ -41,11 +41,21 @@ struct Job {
 };
 
 struct Peer {
+  Peer() = default;
+  template <class Call>
+  Peer(Call call, const char* remarkOnIt = "") : run(call), remark(remarkOnIt) {}
+
   std::function<void()> run;  // empty: the library has no such step
   std::string remark;         // what it does otherwise than asked
   bool counted = true;        // false: it answers another question
   bool exchanged = false;     // the bytes of its chroma pairs are in the other order
 };
+
+inline Peer notCounted(Peer peer, const char* remark) {
+  peer.remark = remark;
+  peer.counted = false;
+  return peer;
+}
 
 struct Library {
   const char* name;

@@ -20,19 +20,15 @@ struct View {
   int w, h;
 };
 
-libyuv::FilterMode filterFor(int method) {
-  return method == RESIZE_NEAREST ? libyuv::kFilterNone : libyuv::kFilterBilinear;
-}
-
-Peer scaled(const Job& job, std::function<void()> run) {
+Peer scaled(const Job& job, const Peer& peer) {
   if (job.method == RESIZE_CUBIC) return {};
   if (job.method == RESIZE_LINEAR && halves(job)) {
-    return {run, "exact halving is a box average", false};
+    return notCounted(peer, "exact halving is a box average");
   }
   if (job.step == Step::kScaleChroma && halves(job)) {
-    return {run, "takes wrong pairs at exact halving", false};
+    return notCounted(peer, "takes wrong pairs at exact halving");
   }
-  return {run, ""};
+  return peer;
 }
 
 // Even chroma rows are copies, odd ones the mean of their neighbours.
@@ -53,29 +49,17 @@ void expandSwappedChroma(const View& s, const View& d) {
 
 // Red first in memory, from pairs V, U: blue first with the roles of U and V exchanged.
 Peer toRgb(const Job& job, const View& s, const View& d) {
-  using libyuv::kYvuJPEGConstants;
-  const std::string remark = "chroma repeated, not interpolated";
   if (job.src.format != FORMAT_YUV420SPVU) return {};
-  switch (job.dst.format) {
-    case FORMAT_RGBA8888:
-      return {[=] {
-                libyuv::NV12ToARGBMatrix(s.y, s.w, s.uv, s.w, d.y, 4 * d.w,
-                                         &kYvuJPEGConstants, s.w, s.h);
-              },
-              remark};
-    case FORMAT_RGB888:
-      return {[=] {
-                libyuv::NV12ToRGB24Matrix(s.y, s.w, s.uv, s.w, d.y, 3 * d.w,
-                                          &kYvuJPEGConstants, s.w, s.h);
-              },
-              remark};
-    default:
-      return {[=] {
-                libyuv::NV12ToRGB565Matrix(s.y, s.w, s.uv, s.w, d.y, 2 * d.w,
-                                           &kYvuJPEGConstants, s.w, s.h);
-              },
-              remark};
-  }
+  const uint32_t to = job.dst.format;
+  const auto convert = to == FORMAT_RGBA8888 ? libyuv::NV12ToARGBMatrix
+                       : to == FORMAT_RGB888 ? libyuv::NV12ToRGB24Matrix
+                                             : libyuv::NV12ToRGB565Matrix;
+  const int bytes = to == FORMAT_RGBA8888 ? 4 : to == FORMAT_RGB888 ? 3 : 2;
+  return {[=] {
+            convert(s.y, s.w, s.uv, s.w, d.y, bytes * d.w, &libyuv::kYvuJPEGConstants,
+                    s.w, s.h);
+          },
+          "chroma repeated, not interpolated"};
 }
 
 // In bands of rows, so that the planes in between stay in the cache.
@@ -105,7 +89,7 @@ Peer fromTiles(const View& s, const View& d) {
           "tiles in an easier order: 16 bytes a row"};
 }
 
-std::function<void()> rotated(int rotation, const View& s, const View& d) {
+Peer rotated(int rotation, const View& s, const View& d) {
   switch (rotation) {
     case ROTATE_90:
       return [=] { libyuv::RotatePlane90(s.y, s.w, d.y, d.w, s.w, s.h); };
@@ -118,50 +102,66 @@ std::function<void()> rotated(int rotation, const View& s, const View& d) {
   }
 }
 
+Peer toPlanar(const View& s, const View& d, const PlanarChroma& to) {
+  return [=] {
+    libyuv::NV12ToI420(s.y, s.w, s.uv, s.w, d.y, d.w, to.first, to.stride, to.second,
+                       to.stride, s.w, s.h);
+  };
+}
+
+Peer fromPlanar(const View& s, const View& d, const PlanarChroma& from) {
+  return [=] {
+    libyuv::I420ToNV12(s.y, s.w, from.first, from.stride, from.second, from.stride, d.y,
+                       d.w, d.uv, d.w, s.w, s.h);
+  };
+}
+
+Peer fromUyvy(const View& s, const View& d) {
+  Peer peer([=] { libyuv::UYVYToNV12(s.y, 2 * s.w, d.y, d.w, d.uv, d.w, s.w, s.h); },
+            "chroma pairs stay U first");
+  peer.exchanged = true;
+  return peer;
+}
+
 Peer offer(const Job& job) {
   const View s(job.src), d(job.dst, job.dstChroma);
-  const libyuv::FilterMode filter = filterFor(job.method);
+  const auto copyLuma = [=] { libyuv::CopyPlane(s.y, s.w, d.y, d.w, s.w, s.h); };
+  const auto scaleLuma = [=](libyuv::FilterMode filter) {
+    libyuv::ScalePlane(s.y, s.w, s.w, s.h, d.y, d.w, d.w, d.h, filter);
+  };
+  const auto scaleChroma = [=](libyuv::FilterMode filter) {
+    libyuv::UVScale(s.uv, s.w, s.w / 2, s.h / 2, d.uv, d.w, d.w / 2, d.h / 2, filter);
+  };
+  const libyuv::FilterMode filter =
+      job.method == RESIZE_NEAREST ? libyuv::kFilterNone : libyuv::kFilterBilinear;
   switch (job.step) {
     case Step::kCopy:
-      return {[=] {
-                libyuv::CopyPlane(s.y, s.w, d.y, d.w, s.w, s.h);
-                libyuv::CopyPlane(s.uv, s.w, d.uv, d.w, s.w, s.h / 2);
-              },
-              ""};
+      return [=] {
+        copyLuma();
+        libyuv::CopyPlane(s.uv, s.w, d.uv, d.w, s.w, s.h / 2);
+      };
     case Step::kSwap:
-      return {[=] {
-                libyuv::NV21ToNV12(s.y, s.w, s.uv, s.w, d.y, d.w, d.uv, d.w, s.w, s.h);
-              },
-              ""};
+      return [=] {
+        libyuv::NV21ToNV12(s.y, s.w, s.uv, s.w, d.y, d.w, d.uv, d.w, s.w, s.h);
+      };
     case Step::kSwapChroma:
-      return {[=] { libyuv::SwapUVPlane(s.uv, s.w, d.uv, d.w, s.w / 2, s.h / 2); }, ""};
+      return [=] { libyuv::SwapUVPlane(s.uv, s.w, d.uv, d.w, s.w / 2, s.h / 2); };
     case Step::kToPlanar:
-      return {[=, to = planarDestination(job.dst)] {
-                libyuv::NV12ToI420(s.y, s.w, s.uv, s.w, d.y, d.w, to.first, to.stride,
-                                   to.second, to.stride, s.w, s.h);
-              },
-              ""};
+      return toPlanar(s, d, planarDestination(job.dst));
     case Step::kFromPlanar:
-      return {[=, from = planarSource(job.src)] {
-                libyuv::I420ToNV12(s.y, s.w, from.first, from.stride, from.second,
-                                   from.stride, d.y, d.w, d.uv, d.w, s.w, s.h);
-              },
-              ""};
+      return fromPlanar(s, d, planarSource(job.src));
     case Step::kTo422:
-      return {[=] {
-                libyuv::CopyPlane(s.y, s.w, d.y, d.w, s.w, s.h);
-                expandChroma(s, d);
-              },
-              ""};
+      return [=] {
+        copyLuma();
+        expandChroma(s, d);
+      };
     case Step::kTo422Swapped:
-      return {[=] {
-                libyuv::CopyPlane(s.y, s.w, d.y, d.w, s.w, s.h);
-                expandSwappedChroma(s, d);
-              },
-              ""};
+      return [=] {
+        copyLuma();
+        expandSwappedChroma(s, d);
+      };
     case Step::kFromUyvy:
-      return {[=] { libyuv::UYVYToNV12(s.y, 2 * s.w, d.y, d.w, d.uv, d.w, s.w, s.h); },
-              "chroma pairs stay U first", true, true};
+      return fromUyvy(s, d);
     case Step::kFromRgb565:
       return fromRgb565(s, d);
     case Step::kToRgb:
@@ -169,24 +169,16 @@ Peer offer(const Job& job) {
     case Step::kFromTiles:
       return fromTiles(s, d);
     case Step::kBox:
-      return {[=] {
-                libyuv::ScalePlane(s.y, s.w, s.w, s.h, d.y, d.w, d.w, d.h,
-                                   libyuv::kFilterBox);
-                libyuv::UVScale(s.uv, s.w, s.w / 2, s.h / 2, d.uv, d.w, d.w / 2,
-                                d.h / 2, libyuv::kFilterBox);
-              },
-              ""};
+      return [=] {
+        scaleLuma(libyuv::kFilterBox);
+        scaleChroma(libyuv::kFilterBox);
+      };
     case Step::kRotate:
-      return {rotated(job.rotation, s, d), ""};
+      return rotated(job.rotation, s, d);
     case Step::kScaleLuma:
-      return scaled(job, [=] {
-        libyuv::ScalePlane(s.y, s.w, s.w, s.h, d.y, d.w, d.w, d.h, filter);
-      });
+      return scaled(job, [=] { scaleLuma(filter); });
     case Step::kScaleChroma:
-      return scaled(job, [=] {
-        libyuv::UVScale(s.uv, s.w, s.w / 2, s.h / 2, d.uv, d.w, d.w / 2, d.h / 2,
-                        filter);
-      });
+      return scaled(job, [=] { scaleChroma(filter); });
     case Step::kScaleRgb:
       return scaled(job, [=] {
         libyuv::RGBScale(s.y, 3 * s.w, s.w, s.h, d.y, 3 * d.w, d.w, d.h, filter);

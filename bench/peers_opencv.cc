@@ -31,51 +31,37 @@ Peer resized(const Job& job, const Mat& from, Mat to) {
   const int method = job.method == RESIZE_NEAREST  ? cv::INTER_NEAREST
                      : job.method == RESIZE_LINEAR ? cv::INTER_LINEAR
                                                    : cv::INTER_CUBIC;
-  const std::function<void()> run = [=]() mutable {
-    cv::resize(from, to, to.size(), 0, 0, method);
-  };
-  if (job.method == RESIZE_LINEAR && halves(job)) {
-    return {run, "exact halving is a box average", false};
-  }
-  return {run, ""};
+  const Peer peer = [=]() mutable { cv::resize(from, to, to.size(), 0, 0, method); };
+  const bool box = job.method == RESIZE_LINEAR && halves(job);
+  return box ? notCounted(peer, "exact halving is a box average") : peer;
 }
 
 Peer toRgb(const Job& job, View s, View d) {
-  const bool vFirst = job.src.format == FORMAT_YUV420SPVU;
-  const std::string remark = "studio range, chroma repeated";
-  switch (job.dst.format) {
-    case FORMAT_RGBA8888: {
-      const int code = vFirst ? cv::COLOR_YUV2RGBA_NV21 : cv::COLOR_YUV2RGBA_NV12;
-      return {[=, to = Mat(d.h, d.w, CV_8UC4, d.y.data)] {
-                cv::cvtColorTwoPlane(s.y, s.uv, to, code);
-              },
-              remark};
-    }
-    case FORMAT_RGB888: {
-      const int code = vFirst ? cv::COLOR_YUV2RGB_NV21 : cv::COLOR_YUV2RGB_NV12;
-      return {[=] { cv::cvtColorTwoPlane(s.y, s.uv, d.rgb, code); }, remark};
-    }
-    default: {  // the first of three channels goes to the lowest bits
-      const int code = vFirst ? cv::COLOR_YUV2RGB_NV21 : cv::COLOR_YUV2RGB_NV12;
-      return {[=, rgb = Mat(d.h, d.w, CV_8UC3), to = Mat(d.h, d.w, CV_8UC2, d.y.data)] {
-                cv::cvtColorTwoPlane(s.y, s.uv, rgb, code);
-                cv::cvtColor(rgb, to, cv::COLOR_BGR2BGR565);
-              },
-              remark};
-    }
+  const char* const remark = "studio range, chroma repeated";
+  const bool alpha = job.dst.format == FORMAT_RGBA8888;
+  const int code = job.src.format == FORMAT_YUV420SPVU
+                       ? (alpha ? cv::COLOR_YUV2RGBA_NV21 : cv::COLOR_YUV2RGB_NV21)
+                       : (alpha ? cv::COLOR_YUV2RGBA_NV12 : cv::COLOR_YUV2RGB_NV12);
+  if (job.dst.format == FORMAT_RGB565) {  // the first channel goes to the lowest bits
+    return {[=, rgb = Mat(d.h, d.w, CV_8UC3), to = Mat(d.h, d.w, CV_8UC2, d.y.data)] {
+              cv::cvtColorTwoPlane(s.y, s.uv, rgb, code);
+              cv::cvtColor(rgb, to, cv::COLOR_BGR2BGR565);
+            },
+            remark};
   }
+  const Mat to(d.h, d.w, alpha ? CV_8UC4 : CV_8UC3, d.y.data);
+  return {[=] { cv::cvtColorTwoPlane(s.y, s.uv, to, code); }, remark};
 }
 
 Peer fromUyvy(View s, View d) {
   const Mat groups(s.h, s.w / 2, CV_8UC4, s.y.data);
   const Mat upper(s.h / 2, s.w / 2, CV_8UC4, s.y.data, 4 * static_cast<size_t>(s.w));
   Mat luma(d.h, d.w / 2, CV_8UC2, d.y.data);
-  return {[=]() mutable {
-            const int lumaOrder[] = {1, 0, 3, 1}, chromaOrder[] = {2, 0, 0, 1};
-            cv::mixChannels(&groups, 1, &luma, 1, lumaOrder, 2);
-            cv::mixChannels(&upper, 1, &d.uv, 1, chromaOrder, 2);
-          },
-          ""};
+  return [=]() mutable {
+    const int lumaOrder[] = {1, 0, 3, 1}, chromaOrder[] = {2, 0, 0, 1};
+    cv::mixChannels(&groups, 1, &luma, 1, lumaOrder, 2);
+    cv::mixChannels(&upper, 1, &d.uv, 1, chromaOrder, 2);
+  };
 }
 
 Peer fromRgb565(View s, View d) {
@@ -109,28 +95,26 @@ void forRowsOfTiles(uint8_t* tiled, uint8_t* linear, int w, int h, int tileHeigh
 
 Peer fromTiles(View s, View d) {
   if (s.w % 16 != 0) return {};
-  return {[=, uv = Mat(s.h / 2, s.w / 2, CV_8UC2)]() mutable {
-            const auto move = [](Mat& tiles, Mat& lines) {
-              cv::transpose(tiles, lines);
-            };
-            forRowsOfTiles(s.y.data, d.y.data, s.w, s.h, 16, move);
-            forRowsOfTiles(s.uv.data, uv.data, s.w, s.h / 2, 8, move);
-            exchangePairs(uv, &d.uv);
-          },
-          ""};
+  const auto move = [](const Mat& tiles, const Mat& lines) {
+    cv::transpose(tiles, lines);
+  };
+  return [=, uv = Mat(s.h / 2, s.w / 2, CV_8UC2)]() mutable {
+    forRowsOfTiles(s.y.data, d.y.data, s.w, s.h, 16, move);
+    forRowsOfTiles(s.uv.data, uv.data, s.w, s.h / 2, 8, move);
+    exchangePairs(uv, &d.uv);
+  };
 }
 
 Peer toTiles(View s, View d) {
   if (s.w % 16 != 0) return {};
-  return {[=, uv = Mat(s.h / 2, s.w / 2, CV_8UC2)]() mutable {
-            const auto move = [](Mat& tiles, Mat& lines) {
-              cv::transpose(lines, tiles);
-            };
-            exchangePairs(s.uv, &uv);
-            forRowsOfTiles(d.y.data, s.y.data, s.w, s.h, 16, move);
-            forRowsOfTiles(d.uv.data, uv.data, s.w, s.h / 2, 8, move);
-          },
-          ""};
+  const auto move = [](const Mat& tiles, const Mat& lines) {
+    cv::transpose(lines, tiles);
+  };
+  return [=, uv = Mat(s.h / 2, s.w / 2, CV_8UC2)]() mutable {
+    exchangePairs(s.uv, &uv);
+    forRowsOfTiles(d.y.data, s.y.data, s.w, s.h, 16, move);
+    forRowsOfTiles(d.uv.data, uv.data, s.w, s.h / 2, 8, move);
+  };
 }
 
 Peer to422(View s, View d) {
@@ -141,53 +125,45 @@ Peer to422(View s, View d) {
           "chroma weighted 3 : 1"};
 }
 
+std::vector<Mat> mats(const PlanarChroma& c, const View& frame) {
+  const size_t stride = static_cast<size_t>(c.stride);
+  return {Mat(frame.h / 2, frame.w / 2, CV_8UC1, c.first, stride),
+          Mat(frame.h / 2, frame.w / 2, CV_8UC1, c.second, stride)};
+}
+
 Peer rotated(int rotation, View s, View d) {
-  if (rotation == ROTATE_0) return {[=]() mutable { s.y.copyTo(d.y); }, ""};
+  if (rotation == ROTATE_0) return [=]() mutable { s.y.copyTo(d.y); };
   const int code = rotation == ROTATE_90    ? cv::ROTATE_90_CLOCKWISE
                    : rotation == ROTATE_180 ? cv::ROTATE_180
                                             : cv::ROTATE_90_COUNTERCLOCKWISE;
-  return {[=]() mutable { cv::rotate(s.y, d.y, code); }, ""};
+  return [=]() mutable { cv::rotate(s.y, d.y, code); };
 }
 
 Peer offer(const Job& job) {
   View s(job.src), d(job.dst, job.dstChroma);
   switch (job.step) {
     case Step::kCopy:
-      return {[=]() mutable {
-                s.y.copyTo(d.y);
-                s.uv.copyTo(d.uv);
-              },
-              ""};
+      return [=]() mutable {
+        s.y.copyTo(d.y);
+        s.uv.copyTo(d.uv);
+      };
     case Step::kSwap:
-      return {[=]() mutable {
-                s.y.copyTo(d.y);
-                exchangePairs(s.uv, &d.uv);
-              },
-              ""};
+      return [=]() mutable {
+        s.y.copyTo(d.y);
+        exchangePairs(s.uv, &d.uv);
+      };
     case Step::kSwapChroma:
-      return {[=]() mutable { exchangePairs(s.uv, &d.uv); }, ""};
-    case Step::kToPlanar: {
-      const PlanarChroma to = planarDestination(job.dst);
-      const size_t stride = static_cast<size_t>(to.stride);
-      return {[=, planes =
-                      std::vector<Mat>{Mat(d.h / 2, d.w / 2, CV_8UC1, to.first, stride),
-                                       Mat(d.h / 2, d.w / 2, CV_8UC1, to.second,
-                                           stride)}]() mutable {
-                s.y.copyTo(d.y);
-                cv::split(s.uv, planes);
-              },
-              ""};
-    }
-    case Step::kFromPlanar: {
-      const PlanarChroma from = planarSource(job.src);
-      return {[=, planes = std::vector<Mat>{Mat(s.h / 2, s.w / 2, CV_8UC1, from.first),
-                                            Mat(s.h / 2, s.w / 2, CV_8UC1,
-                                                from.second)}]() mutable {
-                s.y.copyTo(d.y);
-                cv::merge(planes, d.uv);
-              },
-              ""};
-    }
+      return [=]() mutable { exchangePairs(s.uv, &d.uv); };
+    case Step::kToPlanar:
+      return [=, planes = mats(planarDestination(job.dst), d)]() mutable {
+        s.y.copyTo(d.y);
+        cv::split(s.uv, planes);
+      };
+    case Step::kFromPlanar:
+      return [=, planes = mats(planarSource(job.src), s)]() mutable {
+        s.y.copyTo(d.y);
+        cv::merge(planes, d.uv);
+      };
     case Step::kTo422:
       return to422(s, d);
     case Step::kFromUyvy:
@@ -201,11 +177,10 @@ Peer offer(const Job& job) {
     case Step::kToTiles:
       return toTiles(s, d);
     case Step::kBox:
-      return {[=]() mutable {
-                cv::resize(s.y, d.y, d.y.size(), 0, 0, cv::INTER_AREA);
-                cv::resize(s.uv, d.uv, d.uv.size(), 0, 0, cv::INTER_AREA);
-              },
-              ""};
+      return [=]() mutable {
+        cv::resize(s.y, d.y, d.y.size(), 0, 0, cv::INTER_AREA);
+        cv::resize(s.uv, d.uv, d.uv.size(), 0, 0, cv::INTER_AREA);
+      };
     case Step::kRotate:
       return rotated(job.rotation, s, d);
     case Step::kScaleLuma:

@@ -66,7 +66,7 @@ Picture whole(const ImageStruct& f, bool written) {
 }
 
 // Full range on both sides, one thread.
-std::function<void()> scaled(const Picture& s, const Picture& d, int flags) {
+Peer scaled(const Picture& s, const Picture& d, int flags, const char* remark = "") {
   if (!sws_isSupportedInput(s.format) || !sws_isSupportedOutput(d.format)) return {};
   const std::shared_ptr<SwsContext> context(
       sws_getContext(s.width, s.height, s.format, d.width, d.height, d.format, flags,
@@ -75,35 +75,31 @@ std::function<void()> scaled(const Picture& s, const Picture& d, int flags) {
   if (context == nullptr) return {};
   const int* matrix = sws_getCoefficients(SWS_CS_ITU601);
   sws_setColorspaceDetails(context.get(), matrix, 1, matrix, 1, 0, 1 << 16, 1 << 16);
-  return [=] {
+  const auto call = [=] {
     sws_scale(context.get(), s.planes, s.strides, 0, s.height, d.planes, d.strides);
   };
+  return {call, remark};
 }
 
-// Two taps whatever the ratio. When enlarging, the general filter has two as well.
-int linearFlags(const Job& job) {
-  return enlarges(job) ? SWS_BILINEAR : SWS_FAST_BILINEAR;
-}
-
+// "Fast bilinear" has two taps whatever the ratio; when enlarging, the general filter
+// has two as well and is faster.
 int flagsFor(const Job& job) {
-  return job.method == RESIZE_NEAREST  ? SWS_POINT
-         : job.method == RESIZE_LINEAR ? linearFlags(job)
-                                       : SWS_BICUBIC;
+  return job.method == RESIZE_NEAREST ? SWS_POINT
+         : job.method == RESIZE_CUBIC ? SWS_BICUBIC
+         : enlarges(job)              ? SWS_BILINEAR
+                                      : SWS_FAST_BILINEAR;
 }
 
 Peer scaling(const Job& job, const Picture& s, const Picture& d) {
-  if (job.method == RESIZE_CUBIC && !enlarges(job)) {
-    return {scaled(s, d, flagsFor(job)), "reducing widens the filter", false};
-  }
-  return {scaled(s, d, flagsFor(job)), ""};
+  const Peer peer = scaled(s, d, flagsFor(job));
+  const bool wider = job.method == RESIZE_CUBIC && !enlarges(job);
+  return wider ? notCounted(peer, "reducing widens the filter") : peer;
 }
 
 Peer pipeline(const Job& job, const Picture& s, const Picture& d) {
   ImageStruct src = job.src, dst = job.dst;
-  if (getReductionRate(&dst, &src) > 0) {
-    return {scaled(s, d, SWS_AREA), "one average over the whole ratio"};
-  }
-  return {scaled(s, d, flagsFor(job)), ""};
+  if (getReductionRate(&dst, &src) == 0) return scaled(s, d, flagsFor(job));
+  return scaled(s, d, SWS_AREA, "one average over the whole ratio");
 }
 
 Peer offer(const Job& job) {
@@ -114,7 +110,7 @@ Peer offer(const Job& job) {
     case Step::kRotate:
       return {};
     case Step::kBox:
-      return {scaled(whole(s, false), whole(d, true), SWS_AREA), ""};
+      return scaled(whole(s, false), whole(d, true), SWS_AREA);
     case Step::kScaleLuma:
       return scaling(job, luma(s), luma(d));
     case Step::kScaleChroma:
@@ -124,7 +120,7 @@ Peer offer(const Job& job) {
     case Step::kPipeline:
       return pipeline(job, whole(s, false), whole(d, true));
     default:
-      return {scaled(whole(s, false), whole(d, true), SWS_FAST_BILINEAR), ""};
+      return scaled(whole(s, false), whole(d, true), SWS_FAST_BILINEAR);
   }
 }
 

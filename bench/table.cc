@@ -48,6 +48,7 @@ struct Verdict {
   double roof = 0;
   bool ratioMet = true, roofMet = true;
   bool met() const { return ratioMet && roofMet; }
+  bool compared() const { return ratio > 0; }
 };
 
 double leastRatio(const Row& row) {
@@ -98,9 +99,11 @@ void heading(const std::vector<std::string>& cells, std::ostream& out) {
 
 void printMissed(const Measured& rows, std::ostream& out) {
   std::string below, slow;
-  int met = 0;
+  int met = 0, compared = 0;
   for (const auto& [row, result] : rows) {
     const Verdict v = judge(row, result);
+    if (!v.compared()) continue;
+    ++compared;
     met += v.met();
     if (!v.ratioMet) {
       below += "- " + row.name() + format(": %.2f", v.ratio) +
@@ -110,11 +113,11 @@ void printMissed(const Measured& rows, std::ostream& out) {
       below += "- " + row.name() + format(": %.2f of memcpy", v.roof) +
                format(" instead of %.2f\n", row.roof);
     }
-    if (v.ratio > 0 && v.ratio < kFloor) {
+    if (v.ratio < kFloor) {
       slow += "- " + row.name() + format(": %.2f\n", v.ratio);
     }
   }
-  out << "\nFigures reached: " << met << " of " << rows.size() << " rows. ";
+  out << "\nFigures reached: " << met << " of " << compared << " rows. ";
   out << (below.empty() ? "None is missed.\n" : "Missed:\n\n" + below);
   out << "\nSlower than " << format("%.2f", kFloor)
       << " of the fastest peer: " << (slow.empty() ? "none.\n" : "\n\n" + slow);
@@ -139,8 +142,12 @@ void printTable(const Measured& rows, std::ostream& out) {
     for (const Library& library : peers) {
       out << " | " << cell(result, library.name, &notes);
     }
-    out << " | " << target(row) << " | " << (v.met() ? "yes" : "**no**") << " |\n";
-    if (v.ratio > 0) {
+    out << " | " << target(row) << " | "
+        << (!v.compared() ? ""
+            : v.met()     ? "yes"
+                          : "**no**")
+        << " |\n";
+    if (v.compared()) {
       logarithms += std::log(v.ratio);
       ++compared;
     }
