@@ -81,13 +81,11 @@ Peer scaled(const Picture& s, const Picture& d, int flags, const char* remark = 
   return {call, remark};
 }
 
-// "Fast bilinear" has two taps whatever the ratio; when enlarging, the general filter
-// has two as well and is faster.
+// "Fast bilinear" has two taps whatever the ratio, the other one widens when reducing.
 int flagsFor(const Job& job) {
-  return job.method == RESIZE_NEAREST ? SWS_POINT
-         : job.method == RESIZE_CUBIC ? SWS_BICUBIC
-         : enlarges(job)              ? SWS_BILINEAR
-                                      : SWS_FAST_BILINEAR;
+  return job.method == RESIZE_NEAREST  ? SWS_POINT
+         : job.method == RESIZE_LINEAR ? SWS_FAST_BILINEAR
+                                       : SWS_BICUBIC;
 }
 
 Peer scaling(const Job& job, const Picture& s, const Picture& d) {
