@@ -89,7 +89,10 @@ int flagsFor(const Job& job) {
 }
 
 Peer scaling(const Job& job, const Picture& s, const Picture& d) {
-  const Peer peer = scaled(s, d, flagsFor(job));
+  const char* const remark = job.step == Step::kScaleRgb   ? "by way of YUV"
+                             : job.method == RESIZE_LINEAR ? "weights in 1/128"
+                                                           : "";
+  const Peer peer = scaled(s, d, flagsFor(job), remark);
   const bool wider = job.method == RESIZE_CUBIC && !enlarges(job);
   return wider ? notCounted(peer, "reducing widens the filter") : peer;
 }
