@@ -23,11 +23,11 @@ enum class Step {
   kToRgb,  // to the destination's format
   kFromTiles,
   kToTiles,
-  kBox,          // both planes, by the ratio of the frames
-  kRotate,       // luma
-  kScaleLuma,    // to the destination's extent
-  kScaleChroma,  //
-  kScaleRgb,     // three channels
+  kBox,        // both planes, by the ratio of the frames
+  kRotate,     // luma
+  kScaleLuma,  // one plane, to the extent of the destination
+  kScaleChroma,
+  kScaleRgb,  // three channels
   kPipeline
 };
 
