@@ -3,6 +3,7 @@
 
 build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
 test_packages="$build_packages libgtest-dev googletest"
+bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
 demo_packages="$build_packages ffmpeg"
 
 # Prints those of the packages that are not installed.

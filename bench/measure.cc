@@ -1,0 +1,171 @@
+#include "measure.h"
+
+#include <benchmark/benchmark.h>
+#include <stdio.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <map>
+
+#include "frames.h"
+
+namespace bench {
+namespace {
+
+// Takes the lower quartile of each contender's repetitions. What disturbs a repetition
+// makes it longer, and the very shortest one is a matter of luck.
+class LowerQuartile : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context&) override { return true; }
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      if (run.run_type != Run::RT_Iteration) continue;
+      times_[run.run_name.function_name].push_back(run.GetAdjustedCPUTime());
+    }
+  }
+  double of(const std::string& name) {
+    std::vector<double>& all = times_.at(name);
+    std::sort(all.begin(), all.end());
+    return all[all.size() / 4];
+  }
+
+ private:
+  std::map<std::string, std::vector<double>> times_;
+};
+
+void contend(const std::string& name, std::function<void()> run) {
+  benchmark::RegisterBenchmark(name.c_str(),
+                               [run](benchmark::State& state) {
+                                 for (auto _ : state) {
+                                   run();
+                                   benchmark::ClobberMemory();
+                                 }
+                               })
+      ->Unit(benchmark::kNanosecond)
+      ->MeasureProcessCPUTime();
+}
+
+// Mean squared error over bytes, or over the fields of 16-bit words scaled to bytes.
+class Error {
+ public:
+  void add(int a, int b) {
+    sum_ += (a - b) * (a - b);
+    ++count_;
+  }
+  double psnr() const {
+    return sum_ == 0 ? INFINITY : 10 * std::log10(255.0 * 255.0 * count_ / sum_);
+  }
+
+ private:
+  double sum_ = 0, count_ = 0;
+};
+
+double difference(const Row& row, const Peer& peer, const uint8_t* ours,
+                  const uint8_t* theirs) {
+  const Part part = partWritten(row.job);
+  Error error;
+  if (row.job.dst.format == FORMAT_RGB565) {
+    for (size_t i = 0; i + 1 < part.length; i += 2) {
+      const int a = ours[i] | ours[i + 1] << 8, b = theirs[i] | theirs[i + 1] << 8;
+      error.add((a & 31) << 3, (b & 31) << 3);
+      error.add((a >> 5 & 63) << 2, (b >> 5 & 63) << 2);
+      error.add(a >> 11 << 3, b >> 11 << 3);
+    }
+  } else {
+    for (size_t i = part.start; i < part.start + part.length; ++i) {
+      const bool other = peer.exchanged && i >= row.job.dst.uvOffset;
+      error.add(ours[i], theirs[other ? i ^ 1 : i]);
+    }
+  }
+  return error.psnr();
+}
+
+bool correct(const Row& row, ImageStruct src, ImageStruct dst) {
+  Frame expected(row.job.dst, Buffer::kDestination);
+  const int code = row.ours(&dst, &src);
+  return code == 0 && row.expected(&expected.record, &src) == 0 &&
+         memcmp(expected.record.data, dst.data, dst.dataSize) == 0;
+}
+
+std::string fromFile(const char* path, const std::string& key) {
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line);) {
+    if (line.compare(0, key.size(), key) == 0) return line.substr(line.find(':') + 2);
+  }
+  return "unknown processor";
+}
+
+}  // namespace
+
+const PeerResult* Result::best() const {
+  const PeerResult* best = nullptr;
+  for (const PeerResult& p : peers) {
+    if (p.counted && (best == nullptr || p.time < best->time)) best = &p;
+  }
+  return best;
+}
+
+void prepare(const Effort& effort) {
+  std::vector<std::string> words = {
+      "zelm-bench", "--benchmark_enable_random_interleaving=true",
+      "--benchmark_repetitions=" + std::to_string(effort.repetitions),
+      "--benchmark_min_time=" + std::to_string(effort.seconds)};
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(&word[0]);
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+}
+
+Result measure(const Row& row, Mode mode) {
+  Result result = {};
+  const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
+  Frame src(row.job.src, Buffer::kSource, moved);
+  Frame dst(row.job.dst, Buffer::kDestination, moved);
+  uint8_t *const from = src.record.data, *const to = dst.record.data;
+  paint(src);
+  result.correct = correct(row, src.record, dst.record);
+  if (!result.correct) return result;
+  const std::vector<uint8_t> ours(to, to + dst.record.dataSize);
+
+  benchmark::ClearRegisteredBenchmarks();
+  const std::string prefix = row.name() + "/";
+  contend(prefix + "ours", [&] { row.ours(&dst.record, &src.record); });
+  if (mode != Mode::kOurTimeOnly) {
+    contend(prefix + "memcpy", [=] { memcpy(to, from, moved); });
+    Job job = row.job;
+    job.src = src.record;
+    job.dst = dst.record;
+    for (const Library& library : libraries()) {
+      const Peer peer = peerFor(library, job);
+      if (peer.run == nullptr) continue;
+      peer.run();
+      result.peers.push_back({library.name, peer.remark, peer.counted, 0,
+                              difference(row, peer, ours.data(), to)});
+      contend(prefix + library.name, peer.run);
+    }
+  }
+  if (mode == Mode::kDifferencesOnly) return result;
+
+  LowerQuartile times;
+  benchmark::RunSpecifiedBenchmarks(&times, ".");
+  result.time = times.of(prefix + "ours");
+  if (mode == Mode::kOurTimeOnly) return result;
+  result.roof = times.of(prefix + "memcpy");
+  for (PeerResult& p : result.peers) p.time = times.of(prefix + p.library);
+  return result;
+}
+
+std::string machine() {
+  std::string text = "Processor: " + fromFile("/proc/cpuinfo", "model name");
+  for (const auto& cache : benchmark::CPUInfo::Get().caches) {
+    if (cache.type == "Instruction") continue;
+    text += ", L" + std::to_string(cache.level) + " " +
+            std::to_string(cache.size >> 10) + " KiB";
+  }
+  text += "  \nCompiler: " __VERSION__ "  \nPeers: ";
+  for (const Library& library : libraries()) text += library.version + ", ";
+  return text + "memcpy of the C library\n";
+}
+
+}  // namespace bench
