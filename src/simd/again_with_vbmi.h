@@ -27,7 +27,7 @@ using namespace N_AVX3;
 #undef HWY_TARGET_STR
 #define HWY_TARGET_STR HWY_TARGET_STR_AVX3
 
-// Tells simd/dispatch.h that the set exists in this file.
-#define ZELM_HAS_VBMI 1
+#undef ZELM_WITH_VBMI
+#define ZELM_WITH_VBMI(name) N_AVX3_VBMI::name
 
 #endif

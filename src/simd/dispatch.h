@@ -41,12 +41,8 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
 #else
 #define ZELM_AVX512(name) HWY_NAMESPACE::name
 #endif
-// Expanded where it is used, when a file's passes are over.
-#if defined(ZELM_HAS_VBMI)
-#define ZELM_WITH_VBMI(name) N_AVX3_VBMI::name
-#else
+// Redefined by simd/again_with_vbmi.h.
 #define ZELM_WITH_VBMI(name) ZELM_AVX512(name)
-#endif
 #define ZELM_KERNEL(name)                                                     \
   pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name),           \
              &ZELM_AVX512(name), &ZELM_WITH_VBMI(name))
