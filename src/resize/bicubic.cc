@@ -5,8 +5,11 @@
 // The sums are exact, so the order of the passes is free: rows are filtered
 // horizontally, kept, and combined.
 //
-// Vectors keep H as 64 h + l, each in 16 bits of a 32-bit lane, so that one pairwise
-// multiplication with (wy, 64 wy) gives wy * H.
+// Vectors use samples less 128, which makes H - 32768: one bit too wide for 16, so it is
+// kept as the sum of two lanes, X + Z, that one pairwise multiplication with (wy, wy)
+// joins. X holds half of the inner taps, the outer ones and + 128, Z the other half.
+// Weights sum to 256, so combining such rows gives the sum above less 2^23, rounding
+// included: its upper 16 bits are out - 128.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/bicubic.cc"
 #include "simd/each_target.h"
@@ -85,7 +88,7 @@ class PlainColumns {
 };
 
 #if ZELM_VECTORS
-// A vector of destination bytes is filtered in quarters of 32-bit lanes.
+// A vector of destination bytes is filtered in two halves of 16-bit lanes.
 template <size_t kPieces>
 class VectorColumns {
  public:
@@ -93,10 +96,10 @@ class VectorColumns {
   VectorColumns(const TapsOf& tapsOfByte, size_t rowBytes, size_t bytes)
       : bytes_(bytes) {
     for (size_t v = 0; v < vectorsFor(bytes); ++v) {
-      for (size_t quarter = 0; quarter < 4; ++quarter) {
+      for (size_t half = 0; half < 2; ++half) {
         for (size_t group = 0; group < kGroups; ++group) {
-          findGroup(&quarter_[4 * v + quarter], group, rowBytes, [&](size_t lane) HWY_ATTR {
-            return tapsOfByte(vectorStart(v, bytes) + byteOfLane<4>(quarter, lane));
+          findGroup(&half_[2 * v + half], group, rowBytes, [&](size_t lane) HWY_ATTR {
+            return tapsOfByte(vectorStart(v, bytes) + byteOfLane(half, lane));
           });
         }
       }
@@ -104,75 +107,81 @@ class VectorColumns {
   }
 
   HWY_INLINE void filterRow(int32_t* to, const uint8_t* from) const {
-    const Vec<I32> upper = hn::Set(i32, ~0xFFFF), lowest6 = hn::Set(i32, 63);
-    for (size_t q = 0; q < 4 * vectorsFor(bytes_); ++q) {
-      const Quarter& table = quarter_[q];
-      const auto products = [&](size_t half) HWY_ATTR {
-        return pairProducts(asI16(table.picks[half].pickEven(from)),
-                            hn::Load(i16, table.weight[half]));
+    for (size_t h = 0; h < 2 * vectorsFor(bytes_); ++h) {
+      const Half& table = half_[h];
+      const Vec<I8> inner = centred(table.inner.pick(from));
+      const Vec<I8> outer = centred(table.outer.pick(from));
+      const auto products = [&](size_t i, Vec<I8> samples) HWY_ATTR {
+        return pairProducts8(hn::Load(u8, table.weights[i]), samples);
       };
-      const Vec<I32> sum = hn::Add(products(0), products(1));
-      const Vec<I32> split = hn::Or(hn::And(hn::ShiftLeft<10>(sum), upper),
-                                    hn::And(sum, lowest6));
-      hn::Store(split, i32, to + q * (kBytes / 4));
+      const Vec<I16> x = hn::Sub(hn::Add(products(0, inner), hn::Set(i16, 128)),
+                                 products(2, outer));
+      const Vec<I16> z = products(1, inner);
+      int16_t* lanes = reinterpret_cast<int16_t*>(to) + h * kBytes;
+      hn::Store(hn::InterleaveLower(i16, x, z), i16, lanes);
+      hn::Store(hn::InterleaveUpper(i16, x, z), i16, lanes + kBytes / 2);
     }
   }
 
   HWY_INLINE void combineRows(uint8_t* to, const int32_t* const (&rows)[4],
                               const CubicTaps& weights) const {
     const auto weight = [&](size_t t) HWY_ATTR {
-      return alternate(weights.tap[t], 64 * weights.tap[t]);
+      return hn::Set(i16, static_cast<int16_t>(weights.tap[t]));
     };
     const Vec<I16> w0 = weight(0), w1 = weight(1), w2 = weight(2), w3 = weight(3);
     const auto term = [&](size_t t, size_t lane, Vec<I16> w) HWY_ATTR {
       return pairProducts(asI16(hn::Load(i32, rows[t] + lane)), w);
     };
-    const auto combine = [&](size_t lane) HWY_ATTR {
-      const Vec<I32> sum = hn::Add(hn::Add(term(0, lane, w0), term(1, lane, w1)),
-                                   hn::Add(term(2, lane, w2), term(3, lane, w3)));
-      return hn::ShiftRight<16>(hn::Add(sum, hn::Set(i32, 32768)));
+    const auto quarter = [&](size_t lane) HWY_ATTR {
+      return hn::ShiftRight<16>(
+          hn::Add(hn::Add(term(0, lane, w0), term(1, lane, w1)),
+                  hn::Add(term(2, lane, w2), term(3, lane, w3))));
     };
     constexpr size_t kLanes = kBytes / 4;
+    const auto half = [&](size_t lane) HWY_ATTR {
+      return narrowInBlocks(quarter(lane), quarter(lane + kLanes));
+    };
     for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
       const size_t lane = v * kBytes;
-      const Vec<I16> a = narrowInBlocks(combine(lane), combine(lane + kLanes));
-      const Vec<I16> b =
-          narrowInBlocks(combine(lane + 2 * kLanes), combine(lane + 3 * kLanes));
-      store(joinParts<4>(packInBlocks(a, b)), to + vectorStart(v, bytes_));
+      storeHalves(half(lane), half(lane + 2 * kLanes), to + vectorStart(v, bytes_));
     }
   }
 
  private:
-  // Samples 0 and 1, then 2 and 3, as 16-bit lanes beside each other.
-  struct Quarter {
-    Picks<kPieces> picks[2];
-    alignas(64) int16_t weight[2][kBytes / 2];
+  // Samples 1 and 2, and 0 and 3, side by side; the halves of the inner weights, and
+  // the outer ones, which are subtracted.
+  struct Half {
+    Picks<kPieces> inner, outer;
+    alignas(64) uint8_t weights[3][kBytes];
   };
 
   template <class TapsOfLane>
-  static HWY_INLINE void findGroup(Quarter* table, size_t group, size_t rowBytes,
+  static HWY_INLINE void findGroup(Half* table, size_t group, size_t rowBytes,
                                    const TapsOfLane& tapsOfLane) {
-    constexpr size_t kLanes = kPieceBytes / 4;
+    constexpr size_t kLanes = kPieceBytes / 2;
     Taps taps[kLanes];
     size_t lowest = SIZE_MAX;
     for (size_t i = 0; i < kLanes; ++i) {
       taps[i] = tapsOfLane(group * kLanes + i);
       if (taps[i].position[0] < lowest) lowest = taps[i].position[0];
     }
-    for (size_t half = 0; half < 2; ++half) {
-      Picks<kPieces>& picks = table->picks[half];
-      picks.place(group, lowest, rowBytes);
-      for (size_t i = 0; i < 2 * kLanes; ++i) {
-        const size_t lane = 2 * group * kLanes + i, t = 2 * half + i % 2;
-        picks.set(2 * lane, taps[i / 2].position[t]);
-        picks.setZero(2 * lane + 1);
-        table->weight[half][lane] = static_cast<int16_t>(taps[i / 2].weights.tap[t]);
+    table->inner.place(group, lowest, rowBytes);
+    table->outer.place(group, lowest, rowBytes);
+    for (size_t i = 0; i < kLanes; ++i) {
+      for (size_t k = 0; k < 2; ++k) {
+        const size_t byte = 2 * (group * kLanes + i) + k, outer = 3 * k;
+        table->inner.set(byte, taps[i].position[1 + k]);
+        table->outer.set(byte, taps[i].position[outer]);
+        const int weight = taps[i].weights.tap[1 + k];
+        table->weights[0][byte] = static_cast<uint8_t>(weight / 2);
+        table->weights[1][byte] = static_cast<uint8_t>(weight - weight / 2);
+        table->weights[2][byte] = static_cast<uint8_t>(-taps[i].weights.tap[outer]);
       }
     }
   }
 
   size_t bytes_;
-  Quarter quarter_[4 * kCubicStripBytes / kBytes];
+  Half half_[2 * kCubicStripBytes / kBytes];
 };
 #endif  // ZELM_VECTORS
 
@@ -226,7 +235,7 @@ HWY_INLINE void scaleAll(const Region& to, const Region& from) {
       return tapsOf<kSample>(across, first + i);
     };
     if (bytes >= kBytes && fromBytes >= kPieceBytes &&
-        withPieces(spanOf<kSample>(across, kPieceBytes / 4, 3),
+        withPieces(spanOf<kSample>(across, kPieceBytes / 2, 3),
                    [&](auto pieces) HWY_ATTR {
                      const VectorColumns<pieces> columns(taps, fromBytes, bytes);
                      scaleStrip(to, from, down, columns, first);

@@ -4,9 +4,9 @@
 // All of it is exact, so the order of the passes is free: rows are filtered
 // horizontally, kept, and blended.
 //
-// Filtered rows are kept as G = H - 32768 + 128, which fits in int16. Weights sum to
-// 256, so (256 - wy) * G[upper] + wy * G[lower] is the sum above less 2^23, rounding
-// included, and its upper 16 bits are out - 128.
+// Samples less 128 give H - 32768, which fits in int16, and so does that + 128, as rows
+// are kept. Weights sum to 256, so blending such rows gives the sum above less 2^23,
+// rounding included: its upper 16 bits are out - 128.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/bilinear.cc"
 #include "simd/each_target.h"
@@ -88,7 +88,7 @@ class VectorColumns {
       for (size_t half = 0; half < 2; ++half) {
         for (size_t group = 0; group < kGroups; ++group) {
           findGroup(&half_[2 * v + half], group, rowBytes, [&](size_t lane) HWY_ATTR {
-            return tapOfByte(vectorStart(v, bytes) + byteOfLane<2>(half, lane));
+            return tapOfByte(vectorStart(v, bytes) + byteOfLane(half, lane));
           });
         }
       }
@@ -98,13 +98,9 @@ class VectorColumns {
   HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {
     for (size_t h = 0; h < 2 * vectorsFor(bytes_); ++h) {
       const Half& table = half_[h];
-      const Vec<U8> pairs = table.picks.pick(from);
-      // 256 left + weight (right - left)
-      const Vec<I16> left = asI16(hn::ShiftLeft<8>(asU16(pairs)));
-      const Vec<I16> biased = hn::Add(left, hn::Set(i16, static_cast<int16_t>(kBias)));
-      const Vec<I16> weighted =
-          hn::Mul(hn::Load(i16, table.weight), pairDifferences(pairs));
-      hn::Store(hn::Add(biased, weighted), i16, to + h * (kBytes / 2));
+      const Vec<I16> sums = pairProducts8(hn::Load(u8, table.weights),
+                                          centred(table.picks.pick(from)));
+      hn::Store(hn::Add(sums, hn::Set(i16, 128)), i16, to + h * (kBytes / 2));
     }
   }
 
@@ -122,20 +118,18 @@ class VectorColumns {
     };
     for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
       const size_t lane = v * kBytes;
-      const Vec<U8> centred =
-          asU8(packSignedInBlocks(blend(lane), blend(lane + kBytes / 2)));
-      store(hn::Xor(joinParts<2>(centred), hn::Set(u8, 128)),
-            to + vectorStart(v, bytes_));
+      storeHalves(blend(lane), blend(lane + kBytes / 2), to + vectorStart(v, bytes_));
     }
   }
 
  private:
   struct Half {
     Picks<kPieces> picks;
-    alignas(64) int16_t weight[kBytes / 2];
+    alignas(64) uint8_t weights[kBytes];
   };
 
-  // Left and right samples side by side.
+  // Left and right samples side by side. A weight of 256 is no byte, so where one sample
+  // counts alone it is taken twice, with 128 each.
   template <class TapOfLane>
   static HWY_INLINE void findGroup(Half* table, size_t group, size_t rowBytes,
                                    const TapOfLane& tapOfLane) {
@@ -149,9 +143,12 @@ class VectorColumns {
     table->picks.place(group, lowest, rowBytes);
     for (size_t i = 0; i < kLanes; ++i) {
       const size_t lane = group * kLanes + i;
-      table->picks.set(2 * lane, taps[i].left);
-      table->picks.set(2 * lane + 1, taps[i].right);
-      table->weight[lane] = static_cast<int16_t>(taps[i].weight);
+      const unsigned weight = taps[i].weight;
+      const bool alone = weight % 256 == 0;
+      table->picks.set(2 * lane, weight == 256 ? taps[i].right : taps[i].left);
+      table->picks.set(2 * lane + 1, weight == 0 ? taps[i].left : taps[i].right);
+      table->weights[2 * lane] = static_cast<uint8_t>(alone ? 128 : 256 - weight);
+      table->weights[2 * lane + 1] = static_cast<uint8_t>(alone ? 128 : weight);
     }
   }
 

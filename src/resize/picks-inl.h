@@ -37,8 +37,7 @@ template <size_t kPieces>
 class Picks {
  public:
   // Group by group: first where the group's lowest byte lies in the row, then what each
-  // byte of the group is. Bytes not set are 0 in pick(), if they are odd ones in
-  // pickEven().
+  // byte of the group is.
   HWY_INLINE void place(size_t group, size_t lowest, size_t rowBytes) {
     const size_t last = rowBytes - kPieceBytes;
     for (size_t p = 0; p < kPieces; ++p) {
@@ -52,11 +51,17 @@ class Picks {
     while (p + 1 < kPieces && position - begin_[p][0] >= kPieceBytes) ++p;
     index_[i] = static_cast<uint8_t>(kPieceBytes * p + position - begin_[p][0]);
   }
-  HWY_INLINE void setZero(size_t) {}
 
-  HWY_INLINE Vec<U8> pick(const uint8_t* row) const { return pickMasked(row, ~0ull); }
-  HWY_INLINE Vec<U8> pickEven(const uint8_t* row) const {
-    return pickMasked(row, 0x5555555555555555ull);
+  HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
+    const __m512i index = _mm512_load_si512(index_);
+    const auto piece = [&](size_t p) HWY_ATTR { return load(row + begin_[p][0]).raw; };
+    if (kPieces == 1) return {_mm512_permutexvar_epi8(index, piece(0))};
+    const __m512i low = _mm512_permutex2var_epi8(piece(0), index, piece(kPieces > 1));
+    if (kPieces == 2) return {low};
+    // The highest bit of an index, which permutations ignore, tells the pair of pieces.
+    const __m512i high =
+        _mm512_permutex2var_epi8(piece(kPieces - 2), index, piece(kPieces - 1));
+    return {_mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high)};
   }
 #else
   HWY_INLINE void set(size_t i, size_t position) {
@@ -66,32 +71,16 @@ class Picks {
       index_[p][i] = offset < 16 ? static_cast<uint8_t>(offset) : kNoByte;
     }
   }
-  HWY_INLINE void setZero(size_t i) {
-    for (size_t p = 0; p < kPieces; ++p) index_[p][i] = kNoByte;
-  }
 
   HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
     Vec<U8> result = pickFrom(row, 0);
     for (size_t p = 1; p < kPieces; ++p) result = hn::Or(result, pickFrom(row, p));
     return result;
   }
-  HWY_INLINE Vec<U8> pickEven(const uint8_t* row) const { return pick(row); }
 #endif
 
  private:
 #if ZELM_VBMI
-  HWY_INLINE Vec<U8> pickMasked(const uint8_t* row, __mmask64 mask) const {
-    const __m512i index = _mm512_load_si512(index_);
-    const auto piece = [&](size_t p) HWY_ATTR { return load(row + begin_[p][0]).raw; };
-    if (kPieces == 1) return {_mm512_maskz_permutexvar_epi8(mask, index, piece(0))};
-    const __m512i low =
-        _mm512_maskz_permutex2var_epi8(mask, piece(0), index, piece(kPieces > 1));
-    if (kPieces == 2) return {low};
-    const __m512i high = _mm512_permutex2var_epi8(piece(kPieces - 2), index,
-                                                  piece(kPieces - 1));
-    return {_mm512_mask_blend_epi8(mask & _mm512_movepi8_mask(index), low, high)};
-  }
-
   alignas(64) uint8_t index_[kBytes];
 #else
   static constexpr uint8_t kNoByte = 128;  // for a shuffle: 0
@@ -134,25 +123,29 @@ HWY_INLINE size_t spanOf(const Axis& across, size_t bytes, size_t extraSamples) 
   return (across.before(samples - 1) + 2 + extraSamples) * kSample;
 }
 
-// A vector of bytes is computed in kParts parts of wider lanes and packed again.
-// Parts are made such that packing in blocks needs no permutation, or, with VBMI, such
-// that the source bytes of a part lie close together.
-template <size_t kParts>
-HWY_INLINE size_t byteOfLane(size_t part, size_t lane) {
+// A vector of bytes is computed in two halves of 16-bit lanes and packed again. Halves
+// are made such that packing in blocks needs no permutation, or, with VBMI, such that
+// the source bytes of a half lie close together.
+HWY_INLINE size_t byteOfLane(size_t half, size_t lane) {
 #if ZELM_VBMI
-  return part * (kBytes / kParts) + lane;
+  return half * (kBytes / 2) + lane;
 #else
-  constexpr size_t kLanes = 16 / kParts;
-  return lane / kLanes * 16 + part * kLanes + lane % kLanes;
+  return lane / 8 * 16 + half * 8 + lane % 8;
 #endif
 }
-template <size_t kParts>
-HWY_INLINE Vec<U8> joinParts(Vec<U8> packed) {
+
+// Bytes less 128 out of such halves, limited; they are stored.
+HWY_INLINE void storeHalves(Vec<I16> first, Vec<I16> second, uint8_t* to) {
+  Vec<U8> bytes = asU8(packSignedInBlocks(first, second));
 #if ZELM_VBMI
-  return kParts == 2 ? joinBlocks(packed) : joinTwice(packed);
-#else
-  return packed;
+  bytes = joinBlocks(bytes);
 #endif
+  store(hn::Xor(bytes, hn::Set(u8, 128)), to);
+}
+
+// Samples less 128, as signed bytes.
+HWY_INLINE Vec<I8> centred(Vec<U8> samples) {
+  return hn::BitCast(i8, hn::Xor(samples, hn::Set(u8, 128)));
 }
 
 // Vectors that cover `bytes` bytes, the last one moved back to end with them.
