@@ -71,61 +71,70 @@ uint8_t centred(int c) {
 }
 
 #if ZELM_VECTORS
+// Two 8-bit values per 16-bit lane: R below G, and B below a constant factor.
 struct RgbLanes {
-  Vec<U16> r, g, b;
+  Vec<U8> rg, b1;
 };
+constexpr uint8_t kConstant = 200;
 
-HWY_INLINE RgbLanes unpack565(Vec<U16> word) {
-  const Vec<U16> low5 = hn::Set(u16, 0x1F), low6 = hn::Set(u16, 0x3F);
-  const Vec<U16> r = hn::ShiftRight<11>(word);
-  const Vec<U16> g = hn::And(hn::ShiftRight<5>(word), low6);
-  const Vec<U16> b = hn::And(word, low5);
-  return {hn::Or(hn::ShiftLeft<3>(r), hn::ShiftRight<2>(r)),
-          hn::Or(hn::ShiftLeft<2>(g), hn::ShiftRight<4>(g)),
-          hn::Or(hn::ShiftLeft<3>(b), hn::ShiftRight<2>(b))};
-}
-
-// 16-bit products do not hold the sums, so lanes are paired with each other and
-// multiplied into 32 bits: (r, g) and (b, 1), the 1 for the rounding.
-HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
-  const Vec<I16> rgWeights = alternate(4897, 9611), bWeights = alternate(1876, 2048);
-  const Vec<U16> one = hn::Set(u16, 1);
-  const auto sum = [&](Vec<U16> rg, Vec<U16> b1) HWY_ATTR {
-    return hn::ShiftRight<14>(hn::Add(pairProducts(asI16(rg), rgWeights),
-                                      pairProducts(asI16(b1), bWeights)));
-  };
-  return asU16(
-      narrowInBlocks(sum(hn::InterleaveLower(u16, c.r, c.g),
-                         hn::InterleaveLower(u16, c.b, one)),
-                     sum(hn::InterleaveUpper(u16, c.r, c.g),
-                         hn::InterleaveUpper(u16, c.b, one))));
-}
-
-// 128 +- ((|c| + 2048) >> 14)
-HWY_INLINE Vec<I32> centred(Vec<I32> c) {
-  const Vec<I32> sign = hn::BroadcastSignBit(c);
-  const Vec<I32> rounded =
-      hn::ShiftRight<14>(hn::Add(hn::Abs(c), hn::Set(i32, 2048)));
-  return hn::Add(hn::Sub(hn::Xor(rounded, sign), sign), hn::Set(i32, 128));
-}
-
-// Chroma of the even lanes: in each 32 bits V, U.
-HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
-  const Vec<U32> evenLanes = hn::Set(u32, 0xFFFF);
-  const Vec<U32> r = hn::And(hn::BitCast(u32, c.r), evenLanes);
-  const Vec<U32> g = hn::BitCast(u32, c.g);
-  const Vec<U32> b = hn::And(hn::BitCast(u32, c.b), evenLanes);
-  const Vec<I16> rg = asI16(hn::Or(r, hn::ShiftLeft<16>(g)));
-  const Vec<I16> b0 = asI16(b);
-  const Vec<I32> v = hn::Add(pairProducts(rg, alternate(8192, -6860)),
-                             pairProducts(b0, alternate(-1332, 0)));
-  const Vec<I32> u = hn::Add(pairProducts(rg, alternate(-2765, -5427)),
-                             pairProducts(b0, alternate(8192, 0)));
-  return asU16(hn::Or(centred(v), hn::ShiftLeft<16>(centred(u))));
-}
-
+// A field is shifted to the top of its lane and multiplied: the high half of
+// (field << 11) * 264 is field * 33 / 4, which repeats the top bits of 5 bits, and that
+// of (field << 5) * 8320 is field * 65 / 16, which does so for 6.
 HWY_INLINE RgbLanes load565(const uint8_t* from) {
-  return unpack565(asU16(load(from)));
+  const Vec<U16> word = asU16(load(from)), by5 = hn::Set(u16, 264);
+  const Vec<U16> r = hn::MulHigh(hn::And(word, hn::Set(u16, 0xF800)), by5);
+  const Vec<U16> g =
+      hn::MulHigh(hn::And(word, hn::Set(u16, 0x07E0)), hn::Set(u16, 8320));
+  const Vec<U16> b = hn::MulHigh(hn::ShiftLeft<11>(word), by5);
+  return {asU8(hn::Or(r, hn::ShiftLeft<8>(g))),
+          asU8(hn::Or(b, hn::Set(u16, kConstant << 8)))};
+}
+
+// Weights for a pair of bytes in every lane, or in lanes of even and odd place.
+HWY_INLINE Vec<I8> weights(int first, int second) {
+  const int pair = (first & 0xFF) | second * 256;
+  return hn::BitCast(i8, hn::Set(i16, static_cast<int16_t>(pair)));
+}
+HWY_INLINE Vec<I8> weights(int evenFirst, int evenSecond, int oddFirst, int oddSecond) {
+  return hn::BitCast(i8, hn::OddEven(asI16(weights(oddFirst, oddSecond)),
+                                     asI16(weights(evenFirst, evenSecond))));
+}
+
+// Sums of products are kept as 256 h + l with both in 16 bits; l carries into h once,
+// rounded down. Y = (h + l / 256) / 64, with 2048 = 8 * 256 in h.
+HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
+  // 4897 = 19 * 256 + 33, 9611 = 38 * 256 - 117, 1876 = 7 * 256 + 84, 2048 = 8 * 256
+  const Vec<I16> high = hn::Add(pairProducts8(c.rg, weights(19, 38)),
+                                pairProducts8(c.b1, weights(7, 0)));
+  const Vec<I16> low = hn::Add(pairProducts8(c.rg, weights(33, -117)),
+                               pairProducts8(c.b1, weights(84, 0)));
+  const Vec<I16> rounded = hn::Add(high, hn::Set(i16, 8));
+  return asU16(hn::ShiftRight<6>(hn::Add(rounded, hn::ShiftRight<8>(low))));
+}
+
+// Chroma of the even lanes: V in even lanes, U in odd ones. Rounding away from zero is
+// (C + 2048) >> 14 for positive and (C - 1 + 2048 + 48 * 256) >> 14 for negative sums.
+HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
+  alignas(16) static constexpr uint8_t kEvenLanes[16] = {0, 1, 0, 1, 4,  5,  4,  5,
+                                                         8, 9, 8, 9, 12, 13, 12, 13};
+  const Vec<U8> rg = pickInBlocks(c.rg, everyBlock(kEvenLanes));
+  const Vec<U8> b1 = pickInBlocks(c.b1, everyBlock(kEvenLanes));
+  // V: 8192 = 32 * 256, -6860 = -27 * 256 + 52, -1332 = -5 * 256 - 52
+  // U: -2765 = -11 * 256 + 51, -5427 = -21 * 256 - 51, 8192 = 32 * 256
+  // and 128 * 64 + 8 = 8200 = 200 * 41, for the result's offset and the rounding.
+  constexpr int kOffset = 41;
+  static_assert(kConstant * kOffset == 128 * 64 + 8, "offset and rounding");
+  const Vec<I16> high =
+      hn::Add(pairProducts8(rg, weights(32, -27, -11, -21)),
+              pairProducts8(b1, weights(-5, kOffset, 32, kOffset)));
+  const Vec<I16> low = hn::Add(pairProducts8(rg, weights(0, 52, 51, -51)),
+                               pairProducts8(b1, weights(-52, 0, 0, 0)));
+  const Vec<I16> sum = hn::Add(high, hn::ShiftRight<8>(low));
+  const Vec<I16> negative =
+      hn::VecFromMask(i16, hn::Lt(sum, hn::Set(i16, kConstant * kOffset)));
+  const Vec<I16> lower = hn::Add(high, hn::ShiftRight<8>(hn::Add(low, negative)));
+  return asU16(
+      hn::ShiftRight<6>(hn::Add(lower, hn::And(negative, hn::Set(i16, 48)))));
 }
 #endif  // ZELM_VECTORS
 

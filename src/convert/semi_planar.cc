@@ -85,9 +85,18 @@ void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
 }  // namespace zelm
 
 extern "C" void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
-  const zelm::Region luma = zelm::lumaRegion(*src), chroma = zelm::chromaRegion(*src);
-  zelm::copyRows(zelm::lumaRegion(*dst), luma, luma.rows, dst->roiWidth);
-  zelm::copyRows(zelm::chromaRegion(*dst), chroma, chroma.rows, dst->roiWidth);
+  using namespace zelm;
+  const Region luma = lumaRegion(*src), chroma = chromaRegion(*src);
+  const Region lumaTo = lumaRegion(*dst), chromaTo = chromaRegion(*dst);
+  const size_t bytes = dst->roiWidth;
+  // Planes that follow each other on both sides are one plane.
+  if (chroma.origin == luma.origin + luma.rows * luma.stride &&
+      chromaTo.origin == lumaTo.origin + luma.rows * lumaTo.stride) {
+    copyRows(lumaTo, luma, luma.rows + chroma.rows, bytes);
+    return;
+  }
+  copyRows(lumaTo, luma, luma.rows, bytes);
+  copyRows(chromaTo, chroma, chroma.rows, bytes);
 }
 
 extern "C" void convYUV420SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
