@@ -111,14 +111,52 @@ class RgbKernel {
     const Vec<I32> half = hn::Set(i32, 1 << 15);
     return {hn::Add(yLeft, hn::MulFixedPoint15(left, rb2)),
             hn::Add(yRight, hn::MulFixedPoint15(right, rb_)),
-            hn::Add(y, upperHalves(hn::Add(pairProducts(left, g2), half),
-                                   hn::Add(pairProducts(right, g_), half)))};
+            hn::Add(y, upperHalves(addPairProducts(half, left, g2),
+                                   addPairProducts(half, right, g_)))};
   }
 
   const ChromaRows& chroma_;
   Vec<I8> rowWeights_;
   Vec<I16> rb_, g_;  // coefficients of right pixels
 };
+#endif
+
+#if ZELM_VBMI
+// Where the bytes of pixels, made of channels R, G, B, A (255) and 0, come from.
+template <char... kChannels>
+struct PixelPlaces {
+  static constexpr size_t kPixelBytes = sizeof...(kChannels);
+  alignas(64) uint8_t rb[kPixelBytes * kBytes];  // left pixels', then right pixels'
+  alignas(64) uint8_t g[kPixelBytes * kBytes];
+  uint64_t isRb[kPixelBytes], isG[kPixelBytes];
+
+  constexpr PixelPlaces() : rb(), g(), isRb(), isG() {
+    constexpr char kNames[] = {kChannels...};
+    for (size_t i = 0; i < kPixelBytes * kBytes; ++i) {
+      const size_t pixel = i / kPixelBytes;
+      const char name = kNames[i % kPixelBytes];
+      const size_t left = pixel / 2 * 2 + (name == 'B' ? 1 : 0);
+      const bool rOrB = name == 'R' || name == 'B';
+      rb[i] = static_cast<uint8_t>(rOrB          ? left + pixel % 2 * kBytes
+                                   : name == 'A' ? 255
+                                                 : 0);
+      g[i] = static_cast<uint8_t>(pixel);
+      isRb[i / kBytes] |= static_cast<uint64_t>(rOrB) << (i % kBytes);
+      isG[i / kBytes] |= static_cast<uint64_t>(name == 'G') << (i % kBytes);
+    }
+  }
+};
+
+// Vector v of such bytes, in one permutation of R and B and one of G.
+template <char... kChannels>
+HWY_INLINE Vec<U8> pixelBytes(const RgbBytes& c, size_t v) {
+  static constexpr PixelPlaces<kChannels...> kPlaces;
+  // Where the mask is 0 the index itself is kept.
+  const __m512i rb = _mm512_mask2_permutex2var_epi8(
+      c.rbLeft.raw, load(kPlaces.rb + v * kBytes).raw, kPlaces.isRb[v], c.rbRight.raw);
+  return Vec<U8>{_mm512_mask_permutexvar_epi8(
+      rb, kPlaces.isG[v], load(kPlaces.g + v * kBytes).raw, c.g.raw)};
+}
 #endif
 
 struct Rgba8888 {
@@ -131,6 +169,11 @@ struct Rgba8888 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
+#if ZELM_VBMI
+    for (size_t v = 0; v < 4; ++v) {
+      store(pixelBytes<'R', 'G', 'B', 'A'>(c, v), to + v * kBytes);
+    }
+#else
     const Vec<U8> alpha = hn::Set(u8, 255), g = splitTwice(c.g);
     const Vec<U16> left = asU16(splitTwice(c.rbLeft));
     const Vec<U16> right = asU16(splitTwice(c.rbRight));
@@ -142,6 +185,7 @@ struct Rgba8888 {
     store(hn::InterleaveUpper(u8, rb0, ga0), to + kBytes);
     store(hn::InterleaveLower(u8, rb1, ga1), to + 2 * kBytes);
     store(hn::InterleaveUpper(u8, rb1, ga1), to + 3 * kBytes);
+#endif
   }
 #endif
 };
@@ -155,6 +199,11 @@ struct Rgb888 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
+#if ZELM_VBMI
+    for (size_t v = 0; v < 3; ++v) {
+      store(pixelBytes<'R', 'G', 'B'>(c, v), to + v * kBytes);
+    }
+#else
     // Each of three blocks takes R and B of some left and some right pixels, and G.
     constexpr uint8_t z = 128;
     alignas(16) static constexpr uint8_t kLeft[3][16] = {
@@ -175,6 +224,7 @@ struct Rgb888 {
                      pickInBlocks(c.g, everyBlock(kGreen[i])));
     };
     storeBlocksInTurn(block(0), block(1), block(2), to);
+#endif
   }
 #endif
 };
@@ -189,45 +239,50 @@ struct Rgb565 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
+    // R in the lower, B in the upper byte; G in the upper byte of another word.
+    const auto words = [&](Vec<U8> rb, Vec<U8> g0) HWY_ATTR {
+      const Vec<U16> r =
+          hn::And(hn::ShiftRight<3>(asU16(rb)), hn::Set(u16, 0x001F));
+      const Vec<U16> g = hn::And(hn::ShiftRight<5>(asU16(g0)), hn::Set(u16, 0x07E0));
+      return asU8(hn::Or3(r, g, hn::And(asU16(rb), hn::Set(u16, 0xF800))));
+    };
+#if ZELM_VBMI
+    for (size_t v = 0; v < 2; ++v) {
+      store(words(pixelBytes<'R', 'B'>(c, v), pixelBytes<'0', 'G'>(c, v)),
+            to + v * kBytes);
+    }
+#else
     const Vec<U8> g = splitBlocks(c.g), zero = hn::Zero(u8);
     const Vec<U16> left = asU16(splitBlocks(c.rbLeft));
     const Vec<U16> right = asU16(splitBlocks(c.rbRight));
-    // R in the lower, B in the upper byte; G in the upper byte of another word.
-    const auto words = [&](Vec<U16> rb, Vec<U16> g0) HWY_ATTR {
-      const Vec<U16> r = hn::And(hn::ShiftRight<3>(rb), hn::Set(u16, 0x001F));
-      const Vec<U16> gAt5 = hn::And(hn::ShiftRight<5>(g0), hn::Set(u16, 0x07E0));
-      return asU8(hn::Or3(r, gAt5, hn::And(rb, hn::Set(u16, 0xF800))));
-    };
-    store(words(hn::InterleaveLower(u16, left, right),
-                asU16(hn::InterleaveLower(u8, zero, g))),
+    store(words(asU8(hn::InterleaveLower(u16, left, right)),
+                hn::InterleaveLower(u8, zero, g)),
           to);
-    store(words(hn::InterleaveUpper(u16, left, right),
-                asU16(hn::InterleaveUpper(u8, zero, g))),
+    store(words(asU8(hn::InterleaveUpper(u16, left, right)),
+                hn::InterleaveUpper(u8, zero, g)),
           to + kBytes);
+#endif
   }
 #endif
 };
 
-// The pixels of pair j. `next` is the pair that its right pixel lies before.
+// Pixel x; `other` is the pair that its own is averaged with.
 template <class Format>
-HWY_INLINE void putPair(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
-                        size_t j, size_t next) {
-  const auto put = [&](size_t x, size_t other) HWY_ATTR {
-    const auto sum = [&](bool lone, size_t byte) HWY_ATTR {
-      const uint8_t* row = lone ? chroma.own : chroma.other;
-      return chroma.own[2 * j + byte] + row[2 * j + byte] +
-             chroma.own[2 * other + byte] + row[2 * other + byte] - 512;
-    };
-    const int first = sum(chroma.loneFirst, 0), second = sum(!chroma.loneFirst, 1);
-    const int u = chroma.uFirst ? first : second, v = chroma.uFirst ? second : first;
-    const int y = luma[x];
-    Format::put(to + x * Format::kPixelBytes,
-                clampToByte(y + ((11485 * v + (1 << 14)) >> 15)),
-                clampToByte(y + ((-2819 * u - 5850 * v + (1 << 14)) >> 15)),
-                clampToByte(y + ((14516 * u + (1 << 14)) >> 15)));
+HWY_INLINE void putPixel(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
+                         size_t x, size_t other) {
+  const size_t own = x / 2;
+  const auto sum = [&](bool lone, size_t byte) HWY_ATTR {
+    const uint8_t* row = lone ? chroma.own : chroma.other;
+    return chroma.own[2 * own + byte] + row[2 * own + byte] +
+           chroma.own[2 * other + byte] + row[2 * other + byte] - 512;
   };
-  put(2 * j, j);
-  put(2 * j + 1, next);
+  const int first = sum(chroma.loneFirst, 0), second = sum(!chroma.loneFirst, 1);
+  const int u = chroma.uFirst ? first : second, v = chroma.uFirst ? second : first;
+  const int y = luma[x];
+  Format::put(to + x * Format::kPixelBytes,
+              clampToByte(y + ((11485 * v + (1 << 14)) >> 15)),
+              clampToByte(y + ((-2819 * u - 5850 * v + (1 << 14)) >> 15)),
+              clampToByte(y + ((14516 * u + (1 << 14)) >> 15)));
 }
 
 template <class Format>
@@ -240,11 +295,12 @@ HWY_INLINE void convertRow(uint8_t* to, const uint8_t* luma, const ChromaRows& c
   done = inBlocks(last, kBytes / 2, [&](size_t j) HWY_ATTR {
     Format::putAll(to + 2 * j * Format::kPixelBytes, kernel.pixels(luma, 2 * j));
   });
+  // The right pixel of the first pair was taken for an inner one.
+  if (done > 0) putPixel<Format>(to, luma, chroma, 1, 0);
 #endif
-  // Vectors take the first pair for an inner one, so it is done again.
-  putPair<Format>(to, luma, chroma, 0, 0);
-  for (size_t j = done > 0 ? done : 1; j < pairs; ++j) {
-    putPair<Format>(to, luma, chroma, j, j < last ? j + 1 : j);
+  for (size_t j = done; j < pairs; ++j) {
+    putPixel<Format>(to, luma, chroma, 2 * j, j);
+    putPixel<Format>(to, luma, chroma, 2 * j + 1, j == 0 || j == last ? j : j + 1);
   }
 }
 
@@ -265,6 +321,8 @@ void rgb565Row(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
 }  // namespace
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
+
+#include "simd/again_with_vbmi.h"
 
 #if HWY_ONCE
 namespace zelm {

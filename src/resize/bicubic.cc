@@ -130,13 +130,13 @@ class VectorColumns {
       return hn::Set(i16, static_cast<int16_t>(weights.tap[t]));
     };
     const Vec<I16> w0 = weight(0), w1 = weight(1), w2 = weight(2), w3 = weight(3);
-    const auto term = [&](size_t t, size_t lane, Vec<I16> w) HWY_ATTR {
-      return pairProducts(asI16(hn::Load(i32, rows[t] + lane)), w);
-    };
     const auto quarter = [&](size_t lane) HWY_ATTR {
-      return hn::ShiftRight<16>(
-          hn::Add(hn::Add(term(0, lane, w0), term(1, lane, w1)),
-                  hn::Add(term(2, lane, w2), term(3, lane, w3))));
+      const auto row = [&](size_t t) HWY_ATTR {
+        return asI16(hn::Load(i32, rows[t] + lane));
+      };
+      const Vec<I32> outer = addPairProducts(pairProducts(row(0), w0), row(3), w3);
+      const Vec<I32> inner = addPairProducts(pairProducts(row(1), w1), row(2), w2);
+      return hn::ShiftRight<16>(hn::Add(outer, inner));
     };
     constexpr size_t kLanes = kBytes / 4;
     const auto half = [&](size_t lane) HWY_ATTR {

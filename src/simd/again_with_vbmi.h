@@ -1,22 +1,30 @@
-// At the end of a file's kernels: compiles them once more, as AVX-512 with VBMI, in a
-// namespace of its own. The vector helpers are those of AVX-512. There is no include
-// guard, because every pass over the file comes here.
+// At the end of a file's kernels: compiles them once more, as AVX-512 with VBMI and
+// VNNI, in a namespace of its own. The vector helpers are those of AVX-512, but for
+// those below. There is no include guard, because every pass over the file comes here.
 #if ZELM_HIGHWAY && HWY_TARGET == HWY_AVX3 && !ZELM_VBMI
-
-namespace zelm {
-namespace {
-namespace N_AVX3_VBMI {
-using namespace N_AVX3;
-}
-}  // namespace
-}  // namespace zelm
 
 #undef ZELM_VBMI
 #define ZELM_VBMI 1
 #undef HWY_NAMESPACE
 #define HWY_NAMESPACE N_AVX3_VBMI
 #undef HWY_TARGET_STR
-#define HWY_TARGET_STR HWY_TARGET_STR_AVX3 ",avx512vbmi"
+#define HWY_TARGET_STR HWY_TARGET_STR_AVX3 ",avx512vbmi,avx512vnni"
+
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+using namespace N_AVX3;
+
+HWY_INLINE Vec<I32> addPairProducts(Vec<I32> sum, Vec<I16> a, Vec<I16> b) {
+  return Vec<I32>{_mm512_dpwssd_epi32(sum.raw, a.raw, b.raw)};
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
 
 #include HWY_TARGET_INCLUDE
 

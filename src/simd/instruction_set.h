@@ -13,7 +13,8 @@ struct ProcessorFeatures {
   bool sse4;    // SSSE3, SSE4.1, SSE4.2
   bool avx2;    // AVX2, BMI1, BMI2, FMA
   bool avx512;  // AVX-512 F, VL, DQ, BW
-  bool vbmi;    // AVX-512 VBMI: bytes permuted across a whole vector
+  bool vbmi;    // AVX-512 VBMI and VNNI: bytes permuted across a whole vector, sums of
+                // products added up
 };
 
 // The highest set that is offered with all below it, and not above `ceiling`.

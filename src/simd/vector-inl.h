@@ -236,6 +236,10 @@ HWY_INLINE Vec<U8> joinBlocks(Vec<U8> v) { return v; }
 #error "These helpers are missing for this instruction set"
 #endif
 
+HWY_INLINE Vec<I32> addPairProducts(Vec<I32> sum, Vec<I16> a, Vec<I16> b) {
+  return hn::Add(sum, pairProducts(a, b));
+}
+
 HWY_INLINE Vec<I16> narrowInBlocks(Vec<I32> a, Vec<I32> b) {
   return hn::ReorderDemote2To(i16, a, b);
 }
