@@ -4,9 +4,11 @@
 // All of it is exact, so the order of the passes is free: rows are filtered
 // horizontally, kept, and blended.
 //
-// Samples less 128 give H - 32768, which fits in int16, and so does that + 128, as rows
-// are kept. Weights sum to 256, so blending such rows gives the sum above less 2^23,
-// rounding included: its upper 16 bits are out - 128.
+// Samples less 128 give H - 32768, which fits in int16, and so does that + 128: G, as
+// rows are kept. With D = G[lower] - G[upper] then
+//   out - 128 = (G[upper] + floor(wy * D / 256)) >> 8
+// because G is whole. D needs 17 bits. Modulo 2^16 its unsigned product with wy / 256 is
+// too large by 256 * wy where D is negative; the sum fits in int16 again.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/bilinear.cc"
 #include "simd/each_target.h"
@@ -60,10 +62,10 @@ class PlainColumns {
 
   void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                  unsigned weight) const {
-    const int lowerWeight = static_cast<int>(weight), upperWeight = 256 - lowerWeight;
+    const int lowerWeight = static_cast<int>(weight);
     for (size_t i = 0; i < bytes_; ++i) {
-      const int sum = upperWeight * upper[i] + lowerWeight * lower[i];
-      to[i] = static_cast<uint8_t>((sum >> 16) + 128);
+      const int sum = upper[i] + ((lowerWeight * (lower[i] - upper[i])) >> 8);
+      to[i] = static_cast<uint8_t>((sum >> 8) + 128);
     }
   }
 
@@ -106,19 +108,17 @@ class VectorColumns {
 
   HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                             unsigned weight) const {
-    const Vec<I16> weights =
-        alternate(256 - static_cast<int>(weight), static_cast<int>(weight));
+    const Vec<U16> by = hn::Set(u16, static_cast<uint16_t>(256 * weight));
     const auto blend = [&](size_t lane) HWY_ATTR {
       const Vec<I16> a = hn::Load(i16, upper + lane), b = hn::Load(i16, lower + lane);
-      const auto half = [&](Vec<I16> ab) HWY_ATTR {
-        return hn::ShiftRight<16>(pairProducts(ab, weights));
-      };
-      return narrowInBlocks(half(hn::InterleaveLower(i16, a, b)),
-                            half(hn::InterleaveUpper(i16, a, b)));
+      const Vec<I16> product = asI16(hn::MulHigh(asU16(hn::Sub(b, a)), by));
+      const Vec<I16> excess = hn::IfThenElseZero(hn::Lt(b, a), asI16(by));
+      return hn::Add(a, hn::Sub(product, excess));
     };
     for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
       const size_t lane = v * kBytes;
-      storeHalves(blend(lane), blend(lane + kBytes / 2), to + vectorStart(v, bytes_));
+      storeUpperBytes(blend(lane), blend(lane + kBytes / 2),
+                      to + vectorStart(v, bytes_));
     }
   }
 
@@ -189,9 +189,10 @@ HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& dow
                            const Columns& columns, size_t first) {
   FilteredRows<Columns> rows(from, columns);
   for (size_t y = 0; y < to.rows; ++y) {
-    const size_t upper = down.before(y);
-    const unsigned weight = down.weight(y);
-    const int16_t* a = rows.get(upper);
+    // A weight of 256 means the lower row alone.
+    const size_t upper = down.before(y) + down.weight(y) / 256;
+    const unsigned weight = down.weight(y) % 256;
+    const int16_t* a = rows.get(down.clamp(upper));
     const int16_t* b = weight == 0 ? a : rows.get(down.clamp(upper + 1));
     columns.blendRows(to.row(y) + first, a, b, weight);
   }
