@@ -99,27 +99,25 @@ class VectorColumns {
 
   HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {
     for (size_t h = 0; h < 2 * vectorsFor(bytes_); ++h) {
-      const Half& table = half_[h];
-      const Vec<I16> sums = pairProducts8(hn::Load(u8, table.weights),
-                                          centred(table.picks.pick(from)));
-      hn::Store(hn::Add(sums, hn::Set(i16, 128)), i16, to + h * (kBytes / 2));
+      hn::Store(filter(h, from), i16, to + h * (kBytes / 2));
     }
   }
 
   HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                             unsigned weight) const {
-    const Vec<U16> by = hn::Set(u16, static_cast<uint16_t>(256 * weight));
-    const auto blend = [&](size_t lane) HWY_ATTR {
-      const Vec<I16> a = hn::Load(i16, upper + lane), b = hn::Load(i16, lower + lane);
-      const Vec<I16> product = asI16(hn::MulHigh(asU16(hn::Sub(b, a)), by));
-      const Vec<I16> excess = hn::IfThenElseZero(hn::Lt(b, a), asI16(by));
-      return hn::Add(a, hn::Sub(product, excess));
-    };
-    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      const size_t lane = v * kBytes;
-      storeUpperBytes(blend(lane), blend(lane + kBytes / 2),
-                      to + vectorStart(v, bytes_));
-    }
+    blendHalves(to, weight, [&](size_t h, Vec<I16>* a, Vec<I16>* b) HWY_ATTR {
+      *a = hn::Load(i16, upper + h * (kBytes / 2));
+      *b = hn::Load(i16, lower + h * (kBytes / 2));
+    });
+  }
+
+  // The same without keeping filtered rows.
+  HWY_INLINE void scaleRow(uint8_t* to, const uint8_t* upper, const uint8_t* lower,
+                           unsigned weight) const {
+    blendHalves(to, weight, [&](size_t h, Vec<I16>* a, Vec<I16>* b) HWY_ATTR {
+      *a = filter(h, upper);
+      *b = filter(h, lower);
+    });
   }
 
  private:
@@ -149,6 +147,29 @@ class VectorColumns {
       table->picks.set(2 * lane + 1, weight == 0 ? taps[i].left : taps[i].right);
       table->weights[2 * lane] = static_cast<uint8_t>(alone ? 128 : 256 - weight);
       table->weights[2 * lane + 1] = static_cast<uint8_t>(alone ? 128 : weight);
+    }
+  }
+
+  HWY_INLINE Vec<I16> filter(size_t h, const uint8_t* from) const {
+    const Half& table = half_[h];
+    const Vec<I16> sums = pairProducts8(hn::Load(u8, table.weights),
+                                        centred(table.picks.pick(from)));
+    return hn::Add(sums, hn::Set(i16, 128));
+  }
+
+  template <class LoadRows>
+  HWY_INLINE void blendHalves(uint8_t* to, unsigned weight,
+                              const LoadRows& loadRows) const {
+    const Vec<U16> by = hn::Set(u16, static_cast<uint16_t>(256 * weight));
+    const auto blend = [&](size_t h) HWY_ATTR {
+      Vec<I16> a, b;
+      loadRows(h, &a, &b);
+      const Vec<I16> product = asI16(hn::MulHigh(asU16(hn::Sub(b, a)), by));
+      const Vec<I16> excess = hn::IfThenElseZero(hn::Lt(b, a), asI16(by));
+      return hn::Add(a, hn::Sub(product, excess));
+    };
+    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+      storeUpperBytes(blend(2 * v), blend(2 * v + 1), to + vectorStart(v, bytes_));
     }
   }
 
@@ -184,19 +205,45 @@ class FilteredRows {
   int newest_ = 0;
 };
 
+// The source rows of a destination row. A weight of 256 means the lower row alone.
+struct RowTap {
+  size_t upper, lower;
+  unsigned weight;
+
+  HWY_INLINE RowTap(const Axis& down, size_t y) : weight(down.weight(y) % 256) {
+    const size_t first = down.before(y) + down.weight(y) / 256;
+    upper = down.clamp(first);
+    lower = weight == 0 ? upper : down.clamp(first + 1);
+  }
+};
+
 template <class Columns>
 HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
                            const Columns& columns, size_t first) {
   FilteredRows<Columns> rows(from, columns);
   for (size_t y = 0; y < to.rows; ++y) {
-    // A weight of 256 means the lower row alone.
-    const size_t upper = down.before(y) + down.weight(y) / 256;
-    const unsigned weight = down.weight(y) % 256;
-    const int16_t* a = rows.get(down.clamp(upper));
-    const int16_t* b = weight == 0 ? a : rows.get(down.clamp(upper + 1));
-    columns.blendRows(to.row(y) + first, a, b, weight);
+    const RowTap tap(down, y);
+    const int16_t* upper = rows.get(tap.upper);
+    columns.blendRows(to.row(y) + first, upper, rows.get(tap.lower), tap.weight);
   }
 }
+
+#if ZELM_VECTORS
+// As above; where reducing leaves little of a filtered row to use again, none is kept.
+template <class Columns>
+HWY_INLINE void scaleVectorStrip(const Region& to, const Region& from, const Axis& down,
+                                 const Columns& columns, size_t first) {
+  if (2 * from.rows < 3 * to.rows) {
+    scaleStrip(to, from, down, columns, first);
+    return;
+  }
+  for (size_t y = 0; y < to.rows; ++y) {
+    const RowTap tap(down, y);
+    columns.scaleRow(to.row(y) + first, from.row(tap.upper), from.row(tap.lower),
+                     tap.weight);
+  }
+}
+#endif
 
 template <size_t kSample>
 HWY_INLINE void scaleAll(const Region& to, const Region& from) {
@@ -212,7 +259,7 @@ HWY_INLINE void scaleAll(const Region& to, const Region& from) {
         withPieces(spanOf<kSample>(across, kPieceBytes / 2, 1),
                    [&](auto pieces) HWY_ATTR {
                      const VectorColumns<pieces> columns(tap, fromBytes, bytes);
-                     scaleStrip(to, from, down, columns, first);
+                     scaleVectorStrip(to, from, down, columns, first);
                    })) {
       continue;
     }
