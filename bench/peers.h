@@ -79,6 +79,11 @@ inline bool halves(const Job& job) {
   return job.src.width == 2 * job.dst.width && job.src.height == 2 * job.dst.height;
 }
 
+// The job divides both sides by three exactly.
+inline bool thirds(const Job& job) {
+  return job.src.width == 3 * job.dst.width && job.src.height == 3 * job.dst.height;
+}
+
 inline bool enlarges(const Job& job) { return job.dst.width > job.src.width; }
 
 }  // namespace bench

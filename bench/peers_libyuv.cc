@@ -25,6 +25,9 @@ Peer scaled(const Job& job, const Peer& peer) {
   if (job.method == RESIZE_LINEAR && halves(job)) {
     return notCounted(peer, "exact halving is a box average");
   }
+  if (job.method == RESIZE_LINEAR && thirds(job)) {
+    return notCounted(peer, "an exact third takes single samples");
+  }
   if (job.step == Step::kScaleChroma && halves(job)) {
     return notCounted(peer, "takes wrong pairs at exact halving");
   }

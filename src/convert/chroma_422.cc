@@ -2,7 +2,8 @@
 // it and the next row, rounded down; the region's last row is repeated.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/chroma_422.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"

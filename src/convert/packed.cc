@@ -9,7 +9,8 @@
 //   V, U = 128 +- ((|C| + 2048) >> 14)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/packed.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
@@ -104,8 +105,8 @@ HWY_INLINE Vec<I8> weights(int evenFirst, int evenSecond, int oddFirst, int oddS
 // rounded down. Y = (h + l / 256) / 64, with 2048 = 8 * 256 in h.
 HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
   // 4897 = 19 * 256 + 33, 9611 = 38 * 256 - 117, 1876 = 7 * 256 + 84, 2048 = 8 * 256
-  const Vec<I16> high = hn::Add(pairProducts8(c.rg, weights(19, 38)),
-                                pairProducts8(c.b1, weights(7, 0)));
+  const Vec<I16> high =
+      hn::Add(pairProducts8(c.rg, weights(19, 38)), pairProducts8(c.b1, weights(7, 0)));
   const Vec<I16> low = hn::Add(pairProducts8(c.rg, weights(33, -117)),
                                pairProducts8(c.b1, weights(84, 0)));
   const Vec<I16> rounded = hn::Add(high, hn::Set(i16, 8));
@@ -124,17 +125,15 @@ HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
   // and 128 * 64 + 8 = 8200 = 200 * 41, for the result's offset and the rounding.
   constexpr int kOffset = 41;
   static_assert(kConstant * kOffset == 128 * 64 + 8, "offset and rounding");
-  const Vec<I16> high =
-      hn::Add(pairProducts8(rg, weights(32, -27, -11, -21)),
-              pairProducts8(b1, weights(-5, kOffset, 32, kOffset)));
+  const Vec<I16> high = hn::Add(pairProducts8(rg, weights(32, -27, -11, -21)),
+                                pairProducts8(b1, weights(-5, kOffset, 32, kOffset)));
   const Vec<I16> low = hn::Add(pairProducts8(rg, weights(0, 52, 51, -51)),
                                pairProducts8(b1, weights(-52, 0, 0, 0)));
   const Vec<I16> sum = hn::Add(high, hn::ShiftRight<8>(low));
   const Vec<I16> negative =
       hn::VecFromMask(i16, hn::Lt(sum, hn::Set(i16, kConstant * kOffset)));
   const Vec<I16> lower = hn::Add(high, hn::ShiftRight<8>(hn::Add(low, negative)));
-  return asU16(
-      hn::ShiftRight<6>(hn::Add(lower, hn::And(negative, hn::Set(i16, 48)))));
+  return asU16(hn::ShiftRight<6>(hn::Add(lower, hn::And(negative, hn::Set(i16, 48)))));
 }
 #endif  // ZELM_VECTORS
 

@@ -2,7 +2,8 @@
 // interleaved. Whole frames.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/planar_to_semi_planar.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"

@@ -1,7 +1,8 @@
 // Semi-planar 4:2:0 copied, with its chroma pairs exchanged, or split into planes.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"

@@ -5,7 +5,8 @@
 // Bytes of an edge tile that lie outside the frame are neither read nor written.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/tiled.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
@@ -46,8 +47,7 @@ HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
     auto v = hn::LoadU(block, from);
     if (kSwap) {
       const auto words = hn::BitCast(hn::Full128<uint16_t>(), v);
-      v = hn::BitCast(block,
-                      hn::Or(hn::ShiftLeft<8>(words), hn::ShiftRight<8>(words)));
+      v = hn::BitCast(block, hn::Or(hn::ShiftLeft<8>(words), hn::ShiftRight<8>(words)));
     }
     return hn::BitCast(halves, v);
   };

@@ -11,7 +11,8 @@
 // region's first and last chroma row and pair stand without a partner.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/yuv420sp_to_rgb.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
@@ -57,8 +58,8 @@ class RgbKernel {
  public:
   HWY_INLINE explicit RgbKernel(const ChromaRows& chroma)
       : chroma_(chroma),
-        rowWeights_(hn::BitCast(
-            i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))),
+        rowWeights_(
+            hn::BitCast(i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))),
         rb_(chroma.uFirst ? alternate(14516, 11485) : alternate(11485, 14516)),
         g_(chroma.uFirst ? alternate(-5638, -11700) : alternate(-11700, -5638)) {}
 
@@ -241,8 +242,7 @@ struct Rgb565 {
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
     // R in the lower, B in the upper byte; G in the upper byte of another word.
     const auto words = [&](Vec<U8> rb, Vec<U8> g0) HWY_ATTR {
-      const Vec<U16> r =
-          hn::And(hn::ShiftRight<3>(asU16(rb)), hn::Set(u16, 0x001F));
+      const Vec<U16> r = hn::And(hn::ShiftRight<3>(asU16(rb)), hn::Set(u16, 0x001F));
       const Vec<U16> g = hn::And(hn::ShiftRight<5>(asU16(g0)), hn::Set(u16, 0x07E0));
       return asU8(hn::Or3(r, g, hn::And(asU16(rb), hn::Set(u16, 0xF800))));
     };

@@ -40,6 +40,13 @@ inline int scaleFrame(ImageStruct* dst, ImageStruct* src, int lumaMethod,
   return RESULT_OK;
 }
 
+// What scaleFrame answers where there is nothing to scale.
+inline int checkMethods(int lumaMethod, int chromaMethod) {
+  if (findScaler(lumaMethod) == nullptr) return RESULT_BAD_LUMA_METHOD;
+  if (findScaler(chromaMethod) == nullptr) return RESULT_BAD_CHROMA_METHOD;
+  return RESULT_OK;
+}
+
 inline bool emptyRegion(const ImageStruct& image) {
   return image.roiWidth < 2 || image.roiHeight < 2;
 }

@@ -67,17 +67,24 @@ int convertSameSize(Call& call) {
 
 // Box averages while the source is at least twice as large as the destination:
 // by 4, and by 2 for a last odd halving. `working` ends as the frame to be scaled;
-// its buffer is one of `frames`, or still the source's.
-int reduce(ImageStruct* working, zelm::Frame (&frames)[2], int halvings) {
+// its buffer is one of `frames`, or still the source's. The last average is written
+// to `target`, if there is one, which is of the right size.
+int reduce(ImageStruct* working, zelm::Frame (&frames)[2], int halvings,
+           const ImageStruct* target) {
   for (int i = 0; halvings > 0; i ^= 1) {
     const int shift = halvings == 1 ? 1 : 2;
+    halvings -= shift;
     ImageStruct& reduced = frames[i].record;
-    reduced = *working;
-    reduced.width = static_cast<uint16_t>(working->roiWidth >> shift);
-    reduced.height = static_cast<uint16_t>(working->roiHeight >> shift);
-    zelm::setRegion(&reduced, 0, 0, reduced.width, reduced.height);
-    reduced.uvOffset = static_cast<uint32_t>(zelm::lumaBytes(reduced));
-    if (!frames[i].allocate(zelm::lumaBytes(reduced))) return RESULT_NO_MEMORY;
+    if (halvings == 0 && target != nullptr) {
+      reduced = *target;
+    } else {
+      reduced = *working;
+      reduced.width = static_cast<uint16_t>(working->roiWidth >> shift);
+      reduced.height = static_cast<uint16_t>(working->roiHeight >> shift);
+      zelm::setRegion(&reduced, 0, 0, reduced.width, reduced.height);
+      reduced.uvOffset = static_cast<uint32_t>(zelm::lumaBytes(reduced));
+      if (!frames[i].allocate(zelm::lumaBytes(reduced))) return RESULT_NO_MEMORY;
+    }
     if (shift == 1) {
       resize_averageOfPixel2_420LP(&reduced, working);
     } else {
@@ -85,9 +92,15 @@ int reduce(ImageStruct* working, zelm::Frame (&frames)[2], int halvings) {
     }
     frames[i ^ 1].release();
     *working = reduced;
-    halvings -= shift;
   }
   return RESULT_OK;
+}
+
+// Averages alone lead to the destination's size, and the methods are known.
+bool reducesToSize(const Call& call, int halvings) {
+  return call.src.roiWidth >> halvings == call.dst.roiWidth &&
+         call.src.roiHeight >> halvings == call.dst.roiHeight &&
+         zelm::checkMethods(call.lumaMethod, call.chromaMethod) == RESULT_OK;
 }
 
 // A tiled frame is written whole, so what its region leaves out is read back first.
@@ -101,23 +114,41 @@ int readBackTiled(ImageStruct* target, const ImageStruct& dst) {
   return RESULT_OK;
 }
 
-// Reduces, scales in the source's format, converts.
+// Reduces, scales in the source's format, converts. Steps that would only copy are
+// left out.
 int scale(Call& call) {
   ImageStruct &src = call.src, &dst = call.dst;
   if (zelm::emptyRegion(dst)) return RESULT_OK;
   if (zelm::emptyRegion(src)) return RESULT_BAD_ROI;
 
+  const bool sameFormat = src.format == dst.format;
+  const int halvings = getReductionRate(&dst, &src);
+  const bool reducesOnly = halvings > 0 && sameFormat && reducesToSize(call, halvings);
   zelm::Frame reduced[2];
   ImageStruct working = src;
-  if (const int code = reduce(&working, reduced, getReductionRate(&dst, &src))) {
+  if (const int code =
+          reduce(&working, reduced, halvings, reducesOnly ? &dst : nullptr)) {
     return code;
   }
-  if (src.format == dst.format) {
+  if (reducesOnly) return RESULT_OK;
+  if (sameFormat) {
     return zelm::scaleFrame(&dst, &working, call.lumaMethod, call.chromaMethod);
   }
 
-  // The target holds the destination's region alone, or a whole tiled frame.
+  const Stage convert = findConverter(src.format, dst.format);
   const bool tiled = dst.format == FORMAT_YUV420SPMB;
+  const bool convertible =
+      !tiled || (zelm::isWholeFrame(working) && zelm::isWholeFrame(dst));
+  if (zelm::sameRegionSize(working, dst) && convertible) {
+    if (const int code = zelm::checkMethods(call.lumaMethod, call.chromaMethod)) {
+      return code;
+    }
+    if (convert == nullptr) return RESULT_BAD_FORMAT;
+    convert(&dst, &working);
+    return RESULT_OK;
+  }
+
+  // The target holds the destination's region alone, or a whole tiled frame.
   zelm::Frame scaled;
   ImageStruct& target = scaled.record;
   target = dst;
@@ -137,7 +168,6 @@ int scale(Call& call) {
     return code;
   }
 
-  const Stage convert = findConverter(src.format, dst.format);
   if (convert == nullptr) return RESULT_BAD_FORMAT;
   if (tiled) {
     zelm::setRegion(&dst, 0, 0, dst.width, dst.height);

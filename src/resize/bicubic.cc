@@ -5,14 +5,15 @@
 // The sums are exact, so the order of the passes is free: rows are filtered
 // horizontally, kept, and combined.
 //
-// Vectors use samples less 128, which makes H - 32768: one bit too wide for 16, so it is
-// kept as the sum of two lanes, X + Z, that one pairwise multiplication with (wy, wy)
-// joins. X holds half of the inner taps, the outer ones and + 128, Z the other half.
-// Weights sum to 256, so combining such rows gives the sum above less 2^23, rounding
-// included: its upper 16 bits are out - 128.
+// Vectors use samples less 128, which makes H - 32768: one bit too wide for 16, so it
+// is kept as the sum of two lanes, X + Z, that one pairwise multiplication with (wy,
+// wy) joins. X holds half of the inner taps, the outer ones and + 128, Z the other
+// half. Weights sum to 256, so combining such rows gives the sum above less 2^23,
+// rounding included: its upper 16 bits are out - 128.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/bicubic.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "resize/axis.h"
 #include "resize/cubic_tables.h"
@@ -115,8 +116,8 @@ class VectorColumns {
       const auto products = [&](size_t i, Vec<I8> samples) HWY_ATTR {
         return pairProducts8(hn::Load(u8, table.weights[i]), samples);
       };
-      const Vec<I16> x = hn::Sub(hn::Add(products(0, inner), hn::Set(i16, 128)),
-                                 products(2, outer));
+      const Vec<I16> x =
+          hn::Sub(hn::Add(products(0, inner), hn::Set(i16, 128)), products(2, outer));
       const Vec<I16> z = products(1, inner);
       int16_t* lanes = reinterpret_cast<int16_t*>(to) + h * kBytes;
       hn::Store(hn::InterleaveLower(i16, x, z), i16, lanes);
@@ -131,9 +132,8 @@ class VectorColumns {
     };
     const Vec<I16> w0 = weight(0), w1 = weight(1), w2 = weight(2), w3 = weight(3);
     const auto quarter = [&](size_t lane) HWY_ATTR {
-      const auto row = [&](size_t t) HWY_ATTR {
-        return asI16(hn::Load(i32, rows[t] + lane));
-      };
+      const auto row = [&](size_t t)
+                           HWY_ATTR { return asI16(hn::Load(i32, rows[t] + lane)); };
       const Vec<I32> outer = addPairProducts(pairProducts(row(0), w0), row(3), w3);
       const Vec<I32> inner = addPairProducts(pairProducts(row(1), w1), row(2), w2);
       return hn::ShiftRight<16>(hn::Add(outer, inner));
@@ -232,9 +232,8 @@ HWY_INLINE void scaleAll(const Region& to, const Region& from) {
     const size_t bytes = rest < kCubicStripBytes ? rest : kCubicStripBytes;
 #if ZELM_VECTORS
     const size_t fromBytes = from.columns * kSample;
-    const auto taps = [&](size_t i) HWY_ATTR {
-      return tapsOf<kSample>(across, first + i);
-    };
+    const auto taps = [&](size_t i)
+                          HWY_ATTR { return tapsOf<kSample>(across, first + i); };
     if (bytes >= kBytes && fromBytes >= kPieceBytes &&
         withPieces(spanOf<kSample>(across, kPieceBytes / 2, 3),
                    [&](auto pieces) HWY_ATTR {

@@ -7,11 +7,12 @@
 // Samples less 128 give H - 32768, which fits in int16, and so does that + 128: G, as
 // rows are kept. With D = G[lower] - G[upper] then
 //   out - 128 = (G[upper] + floor(wy * D / 256)) >> 8
-// because G is whole. D needs 17 bits. Modulo 2^16 its unsigned product with wy / 256 is
-// too large by 256 * wy where D is negative; the sum fits in int16 again.
+// because G is whole. D needs 17 bits. Modulo 2^16 its unsigned product with wy / 256
+// is too large by 256 * wy where D is negative; the sum fits in int16 again.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/bilinear.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "resize/axis.h"
 #include "resize/picks-inl.h"
@@ -84,8 +85,7 @@ class VectorColumns {
   static constexpr size_t kRowLanes = kStripBytes;
 
   template <class TapOf>
-  VectorColumns(const TapOf& tapOfByte, size_t rowBytes, size_t bytes)
-      : bytes_(bytes) {
+  VectorColumns(const TapOf& tapOfByte, size_t rowBytes, size_t bytes) : bytes_(bytes) {
     for (size_t v = 0; v < vectorsFor(bytes); ++v) {
       for (size_t half = 0; half < 2; ++half) {
         for (size_t group = 0; group < kGroups; ++group) {
@@ -126,8 +126,8 @@ class VectorColumns {
     alignas(64) uint8_t weights[kBytes];
   };
 
-  // Left and right samples side by side. A weight of 256 is no byte, so where one sample
-  // counts alone it is taken twice, with 128 each.
+  // Left and right samples side by side. A weight of 256 is no byte, so where one
+  // sample counts alone it is taken twice, with 128 each.
   template <class TapOfLane>
   static HWY_INLINE void findGroup(Half* table, size_t group, size_t rowBytes,
                                    const TapOfLane& tapOfLane) {
@@ -152,8 +152,8 @@ class VectorColumns {
 
   HWY_INLINE Vec<I16> filter(size_t h, const uint8_t* from) const {
     const Half& table = half_[h];
-    const Vec<I16> sums = pairProducts8(hn::Load(u8, table.weights),
-                                        centred(table.picks.pick(from)));
+    const Vec<I16> sums =
+        pairProducts8(hn::Load(u8, table.weights), centred(table.picks.pick(from)));
     return hn::Add(sums, hn::Set(i16, 128));
   }
 
@@ -254,7 +254,8 @@ HWY_INLINE void scaleAll(const Region& to, const Region& from) {
     const size_t bytes = rest < kStripBytes ? rest : kStripBytes;
 #if ZELM_VECTORS
     const size_t fromBytes = from.columns * kSample;
-    const auto tap = [&](size_t i) HWY_ATTR { return tapOf<kSample>(across, first + i); };
+    const auto tap = [&](size_t i)
+                         HWY_ATTR { return tapOf<kSample>(across, first + i); };
     if (bytes >= kBytes && fromBytes >= kPieceBytes &&
         withPieces(spanOf<kSample>(across, kPieceBytes / 2, 1),
                    [&](auto pieces) HWY_ATTR {

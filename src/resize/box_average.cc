@@ -2,7 +2,8 @@
 // of 2 x 2 or 4 x 4, rounded down. The destination region sets the size of the work.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/box_average.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"

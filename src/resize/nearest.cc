@@ -2,7 +2,8 @@
 // columns are the same for all rows, so they are found once per strip.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/nearest.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "resize/axis.h"
 #include "resize/picks-inl.h"

@@ -156,8 +156,8 @@ HWY_INLINE void storeHalves(Vec<I16> first, Vec<I16> second, uint8_t* to) {
 HWY_INLINE void storeUpperBytes(Vec<I16> first, Vec<I16> second, uint8_t* to) {
 #if ZELM_VBMI
   alignas(64) static constexpr OddBytes kOdd;
-  const Vec<U8> bytes{_mm512_permutex2var_epi8(first.raw, load(kOdd.index).raw,
-                                               second.raw)};
+  const Vec<U8> bytes{
+      _mm512_permutex2var_epi8(first.raw, load(kOdd.index).raw, second.raw)};
   store(hn::Xor(bytes, hn::Set(u8, 128)), to);
 #else
   storeHalves(hn::ShiftRight<8>(first), hn::ShiftRight<8>(second), to);

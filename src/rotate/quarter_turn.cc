@@ -3,7 +3,8 @@
 // rows, or the destination rows, backwards.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rotate/quarter_turn.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
@@ -40,9 +41,8 @@ HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
                               ptrdiff_t fromStride) {
   Vec<U8> a[16], b[16];
   for (ptrdiff_t i = 0; i < 16; ++i) {
-    a[i] = loadBlocks([=](ptrdiff_t block) HWY_ATTR {
-      return from + (16 * block + i) * fromStride;
-    });
+    a[i] = loadBlocks([=](ptrdiff_t block)
+                          HWY_ATTR { return from + (16 * block + i) * fromStride; });
   }
   interleaveHalves(a, b);
   interleaveHalves(b, a);

@@ -1,7 +1,8 @@
 // A luma region copied, or turned by half a turn.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rotate/upright.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
+
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"

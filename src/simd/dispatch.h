@@ -43,8 +43,8 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
 #endif
 // Redefined by simd/again_with_vbmi.h.
 #define ZELM_WITH_VBMI(name) ZELM_AVX512(name)
-#define ZELM_KERNEL(name)                                                     \
-  pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name),           \
+#define ZELM_KERNEL(name)                                           \
+  pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), \
              &ZELM_AVX512(name), &ZELM_WITH_VBMI(name))
 
 #else

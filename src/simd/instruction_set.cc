@@ -16,8 +16,7 @@ ProcessorFeatures processorFeatures() {
               __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma"),
           __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
               __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw"),
-          __builtin_cpu_supports("avx512vbmi") &&
-              __builtin_cpu_supports("avx512vnni")};
+          __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vnni")};
 #else
   return {};
 #endif

@@ -321,8 +321,8 @@ HWY_INLINE SplitPairs loadPairs(const uint8_t* from) {
 
 // int16 lanes that alternate between two weights, for pairProducts.
 HWY_INLINE Vec<I16> alternate(int even, int odd) {
-  const uint32_t pair = static_cast<uint32_t>(even & 0xFFFF) |
-                        static_cast<uint32_t>(odd) << 16;
+  const uint32_t pair =
+      static_cast<uint32_t>(even & 0xFFFF) | static_cast<uint32_t>(odd) << 16;
   return hn::BitCast(i16, hn::Set(u32, pair));
 }
 
