@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/semi_planar.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
@@ -25,6 +26,19 @@ void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   for (size_t i = done; i < bytes; i += 2) {
     to[i] = from[i + 1];
     to[i + 1] = from[i];
+  }
+}
+
+// In place no block may be moved back: it would exchange bytes twice.
+void exchangePairsRow(uint8_t* row, size_t bytes) {
+  size_t i = 0;
+#if ZELM_VECTORS
+  for (; i + kBytes <= bytes; i += kBytes) store(swapPairs(load(row + i)), row + i);
+#endif
+  for (; i < bytes; i += 2) {
+    const uint8_t first = row[i];
+    row[i] = row[i + 1];
+    row[i + 1] = first;
   }
 }
 
@@ -59,6 +73,17 @@ void swapPlane(const Region& to, const Region& from) {
   const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
   for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
 }
+
+}  // namespace
+
+void exchangeChroma(const ImageStruct& frame) {
+  const auto exchangeRow = ZELM_KERNEL(exchangePairsRow);
+  const Region chroma = chromaRegion(frame);
+  const RowSpan span = joinRows(chroma, chroma, chroma.rows, 2 * chroma.columns);
+  for (size_t k = 0; k < span.rows; ++k) exchangeRow(chroma.row(k), span.bytes);
+}
+
+namespace {
 
 // Whole frames. The chroma rows of the planar side are padded to multiples of 16
 // bytes, the luma rows are not; the planes lie where padded luma rows would end.

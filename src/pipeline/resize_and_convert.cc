@@ -1,4 +1,5 @@
 // The main pipeline: scales a region and converts it.
+#include "convert/semi_planar.h"
 #include "frame.h"
 #include "pipeline/methods.h"
 #include "plane.h"
@@ -7,6 +8,8 @@
 namespace {
 
 using zelm::Stage;
+
+constexpr uint32_t kSemiPlanar = FORMAT_YUV420SP | FORMAT_YUV420SPVU;
 
 // One call: its own copies of the records, validated.
 struct Call {
@@ -114,26 +117,42 @@ int readBackTiled(ImageStruct* target, const ImageStruct& dst) {
   return RESULT_OK;
 }
 
+// Reduces and scales into a destination of the source's format.
+int scaleAlike(Call& call, int halvings) {
+  const bool reducesOnly = halvings > 0 && reducesToSize(call, halvings);
+  zelm::Frame reduced[2];
+  ImageStruct working = call.src;
+  if (const int code =
+          reduce(&working, reduced, halvings, reducesOnly ? &call.dst : nullptr)) {
+    return code;
+  }
+  if (reducesOnly) return RESULT_OK;
+  return zelm::scaleFrame(&call.dst, &working, call.lumaMethod, call.chromaMethod);
+}
+
+// The formats differ in the order of chroma bytes only, which is mended in place.
+int scaleExchanged(Call& call, int halvings) {
+  if (const int code = zelm::checkMethods(call.lumaMethod, call.chromaMethod)) {
+    return code;
+  }
+  if (const int code = scaleAlike(call, halvings)) return code;
+  zelm::exchangeChroma(call.dst);
+  return RESULT_OK;
+}
+
 // Reduces, scales in the source's format, converts. Steps that would only copy are
 // left out.
 int scale(Call& call) {
   ImageStruct &src = call.src, &dst = call.dst;
   if (zelm::emptyRegion(dst)) return RESULT_OK;
   if (zelm::emptyRegion(src)) return RESULT_BAD_ROI;
-
-  const bool sameFormat = src.format == dst.format;
   const int halvings = getReductionRate(&dst, &src);
-  const bool reducesOnly = halvings > 0 && sameFormat && reducesToSize(call, halvings);
+  if (src.format == dst.format) return scaleAlike(call, halvings);
+  if ((dst.format & kSemiPlanar) != 0) return scaleExchanged(call, halvings);
+
   zelm::Frame reduced[2];
   ImageStruct working = src;
-  if (const int code =
-          reduce(&working, reduced, halvings, reducesOnly ? &dst : nullptr)) {
-    return code;
-  }
-  if (reducesOnly) return RESULT_OK;
-  if (sameFormat) {
-    return zelm::scaleFrame(&dst, &working, call.lumaMethod, call.chromaMethod);
-  }
+  if (const int code = reduce(&working, reduced, halvings, nullptr)) return code;
 
   const Stage convert = findConverter(src.format, dst.format);
   const bool tiled = dst.format == FORMAT_YUV420SPMB;
@@ -190,7 +209,6 @@ int badFormat(Call&) { return RESULT_BAD_FORMAT; }
 int unsupported(Call&) { return RESULT_UNSUPPORTED_CONVERSION; }
 
 constexpr uint32_t kAny = ~0u;
-constexpr uint32_t kSemiPlanar = FORMAT_YUV420SP | FORMAT_YUV420SPVU;
 constexpr uint32_t kConvertedFirst =
     FORMAT_YUV422IUYVY | FORMAT_RGB565 | FORMAT_YUV420SPMB;
 
