@@ -109,7 +109,8 @@ class VectorColumns {
   }
 
   HWY_INLINE void filterRow(int32_t* to, const uint8_t* from) const {
-    for (size_t h = 0; h < 2 * vectorsFor(bytes_); ++h) {
+    const size_t halves = 2 * vectorsFor(bytes_);
+    for (size_t h = 0; h < halves; ++h) {
       const Half& table = half_[h];
       const Vec<I8> inner = centred(table.inner.pick(from));
       const Vec<I8> outer = centred(table.outer.pick(from));
@@ -142,9 +143,10 @@ class VectorColumns {
     const auto half = [&](size_t lane) HWY_ATTR {
       return narrowInBlocks(quarter(lane), quarter(lane + kLanes));
     };
-    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
+    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
+    for (size_t v = 0; v < vectors; ++v) {
       const size_t lane = v * kBytes;
-      storeHalves(half(lane), half(lane + 2 * kLanes), to + vectorStart(v, bytes_));
+      storeHalves(half(lane), half(lane + 2 * kLanes), to + vectorStart(v, bytes));
     }
   }
 

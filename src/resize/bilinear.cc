@@ -98,7 +98,8 @@ class VectorColumns {
   }
 
   HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {
-    for (size_t h = 0; h < 2 * vectorsFor(bytes_); ++h) {
+    const size_t halves = 2 * vectorsFor(bytes_);
+    for (size_t h = 0; h < halves; ++h) {
       hn::Store(filter(h, from), i16, to + h * (kBytes / 2));
     }
   }
@@ -168,8 +169,9 @@ class VectorColumns {
       const Vec<I16> excess = hn::IfThenElseZero(hn::Lt(b, a), asI16(by));
       return hn::Add(a, hn::Sub(product, excess));
     };
-    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      storeUpperBytes(blend(2 * v), blend(2 * v + 1), to + vectorStart(v, bytes_));
+    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
+    for (size_t v = 0; v < vectors; ++v) {
+      storeUpperBytes(blend(2 * v), blend(2 * v + 1), to + vectorStart(v, bytes));
     }
   }
 

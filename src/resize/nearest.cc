@@ -65,8 +65,9 @@ class VectorColumns {
   }
 
   HWY_INLINE void pickRow(uint8_t* to, const uint8_t* from) const {
-    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      store(picks_[v].pick(from), to + vectorStart(v, bytes_));
+    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
+    for (size_t v = 0; v < vectors; ++v) {
+      store(picks_[v].pick(from), to + vectorStart(v, bytes));
     }
   }
 
