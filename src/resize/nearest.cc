@@ -37,7 +37,7 @@ class PlainColumns {
     }
   }
 
-  void pickRow(uint8_t* to, const uint8_t* from) const {
+  void pickRow(uint8_t* to, const uint8_t* from, const uint8_t* next) const {
     for (size_t i = 0; i < samples_; ++i) {
       std::memcpy(to + i * kSample, from + position_[i], kSample);
     }
@@ -64,9 +64,11 @@ class VectorColumns {
     }
   }
 
-  HWY_INLINE void pickRow(uint8_t* to, const uint8_t* from) const {
+  // `next` is the row that will be picked from next, or null.
+  HWY_INLINE void pickRow(uint8_t* to, const uint8_t* from, const uint8_t* next) const {
     const size_t bytes = bytes_, vectors = vectorsFor(bytes);
     for (size_t v = 0; v < vectors; ++v) {
+      if (next != nullptr) picks_[v].prefetch(next);
       store(picks_[v].pick(from), to + vectorStart(v, bytes));
     }
   }
@@ -80,6 +82,7 @@ class VectorColumns {
 template <class Columns>
 HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
                            const Columns& columns, size_t first, size_t bytes) {
+  const bool reducing = to.rows < from.rows;
   size_t previous = SIZE_MAX;
   for (size_t y = 0; y < to.rows; ++y) {
     uint8_t* row = to.row(y) + first;
@@ -87,7 +90,8 @@ HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& dow
     if (source == previous) {
       std::memcpy(row, row - to.stride, bytes);
     } else {
-      columns.pickRow(row, from.row(source));
+      const uint8_t* next = from.row(down.nearest(y + 1));
+      columns.pickRow(row, from.row(source), reducing ? next : nullptr);
     }
     previous = source;
   }
