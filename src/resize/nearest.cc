@@ -37,7 +37,7 @@ class PlainColumns {
     }
   }
 
-  void pickRow(uint8_t* to, const uint8_t* from, const uint8_t* next) const {
+  void pickRow(uint8_t* to, const uint8_t* from, const uint8_t*) const {
     for (size_t i = 0; i < samples_; ++i) {
       std::memcpy(to + i * kSample, from + position_[i], kSample);
     }
