@@ -172,6 +172,8 @@ void rgb565Row(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t pixel
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
+#include "simd/again_with_vbmi.h"
+
 #if HWY_ONCE
 namespace zelm {
 namespace {

@@ -166,8 +166,7 @@ class VectorColumns {
       Vec<I16> a, b;
       loadRows(h, &a, &b);
       const Vec<I16> product = asI16(hn::MulHigh(asU16(hn::Sub(b, a)), by));
-      const Vec<I16> excess = hn::IfThenElseZero(hn::Lt(b, a), asI16(by));
-      return hn::Add(a, hn::Sub(product, excess));
+      return subtractWhereLess(hn::Add(a, product), b, a, asI16(by));
     };
     const size_t bytes = bytes_, vectors = vectorsFor(bytes);
     for (size_t v = 0; v < vectors; ++v) {

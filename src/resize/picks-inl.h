@@ -140,15 +140,6 @@ HWY_INLINE size_t byteOfLane(size_t half, size_t lane) {
 #endif
 }
 
-#if ZELM_VBMI
-struct OddBytes {
-  uint8_t index[kBytes];
-  constexpr OddBytes() : index() {
-    for (size_t i = 0; i < kBytes; ++i) index[i] = static_cast<uint8_t>(2 * i + 1);
-  }
-};
-#endif
-
 // Bytes less 128 out of such halves, limited; they are stored.
 HWY_INLINE void storeHalves(Vec<I16> first, Vec<I16> second, uint8_t* to) {
   Vec<U8> bytes = asU8(packSignedInBlocks(first, second));
@@ -161,9 +152,7 @@ HWY_INLINE void storeHalves(Vec<I16> first, Vec<I16> second, uint8_t* to) {
 // The upper bytes of such halves, plus 128; they are stored.
 HWY_INLINE void storeUpperBytes(Vec<I16> first, Vec<I16> second, uint8_t* to) {
 #if ZELM_VBMI
-  alignas(64) static constexpr OddBytes kOdd;
-  const Vec<U8> bytes{
-      _mm512_permutex2var_epi8(first.raw, load(kOdd.index).raw, second.raw)};
+  const Vec<U8> bytes = everySecond<1>(asU8(first), asU8(second));
   store(hn::Xor(bytes, hn::Set(u8, 128)), to);
 #else
   storeHalves(hn::ShiftRight<8>(first), hn::ShiftRight<8>(second), to);

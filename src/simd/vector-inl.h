@@ -326,6 +326,17 @@ HWY_INLINE Vec<I16> alternate(int even, int odd) {
   return hn::BitCast(i16, hn::Set(u32, pair));
 }
 
+// v, less `amount` where a < b.
+HWY_INLINE Vec<I16> subtractWhereLess(Vec<I16> v, Vec<I16> a, Vec<I16> b,
+                                      Vec<I16> amount) {
+#if HWY_TARGET == HWY_AVX3
+  return Vec<I16>{
+      _mm512_mask_sub_epi16(v.raw, hn::Lt(a, b).raw, v.raw, amount.raw)};
+#else
+  return hn::Sub(v, hn::IfThenElseZero(hn::Lt(a, b), amount));
+#endif
+}
+
 // The upper halves of 32-bit lanes: in each lane a's below b's.
 HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
   const Vec<I32> moved = hn::BitCast(i32, hn::ShiftRight<16>(hn::BitCast(u32, a)));
