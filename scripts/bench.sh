@@ -59,7 +59,7 @@ profile_table() {
 # Each program knows the instruction sets up to the one in its name, the last all.
 run_profile() {
   local sets="" set
-  for set in plain sse4 avx2; do
+  for set in plain sse4 avx2 avx512; do
     [ -x "$programs-$set" ] && sets+="$set "
   done
   {

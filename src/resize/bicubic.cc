@@ -212,45 +212,42 @@ class FilteredRows {
   size_t index_[4] = {SIZE_MAX, SIZE_MAX, SIZE_MAX, SIZE_MAX};
 };
 
-template <class Columns>
-HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
-                           const Columns& columns, size_t first) {
-  FilteredRows<Columns> filtered(from, columns);
-  for (size_t y = 0; y < to.rows; ++y) {
-    size_t index[4];
-    findTaps(index, down, down.before(y));
-    const int32_t* const rows[4] = {filtered.get(index[0]), filtered.get(index[1]),
-                                    filtered.get(index[2]), filtered.get(index[3])};
-    columns.combineRows(to.row(y) + first, rows, cubicTaps(down.weight(y)));
-  }
-}
-
 template <size_t kSample>
-HWY_INLINE void scaleAll(const Region& to, const Region& from) {
-  const Axis across(from.columns, to.columns), down(from.rows, to.rows);
-  const size_t rowBytes = to.columns * kSample;
-  for (size_t first = 0; first < rowBytes; first += kCubicStripBytes) {
-    const size_t rest = rowBytes - first;
-    const size_t bytes = rest < kCubicStripBytes ? rest : kCubicStripBytes;
-#if ZELM_VECTORS
-    const size_t fromBytes = from.columns * kSample;
-    const auto taps = [&](size_t i)
-                          HWY_ATTR { return tapsOf<kSample>(across, first + i); };
-    if (bytes >= kBytes && fromBytes >= kPieceBytes &&
-        withPieces(spanOf<kSample>(across, kPieceBytes / 2, 3),
-                   [&](auto pieces) HWY_ATTR {
-                     const VectorColumns<pieces> columns(taps, fromBytes, bytes);
-                     scaleStrip(to, from, down, columns, first);
-                   })) {
-      continue;
-    }
-#endif
-    scaleStrip(to, from, down, PlainColumns<kSample>(across, first, bytes), first);
-  }
-}
+struct Scaler : Planes {
+  using Planes::Planes;
 
-void scaleLuma(const Region& to, const Region& from) { scaleAll<1>(to, from); }
-void scaleChroma(const Region& to, const Region& from) { scaleAll<2>(to, from); }
+  HWY_INLINE void plain(size_t first, size_t bytes) const {
+    scaleStrip(PlainColumns<kSample>(across, first, bytes), first);
+  }
+#if ZELM_VECTORS
+  template <size_t kPieces>
+  HWY_INLINE void vectors(size_t first, size_t bytes) const {
+    const VectorColumns<kPieces> columns(
+        [&](size_t i) HWY_ATTR { return tapsOf<kSample>(across, first + i); },
+        from.columns * kSample, bytes);
+    scaleStrip(columns, first);
+  }
+#endif
+
+  template <class Columns>
+  HWY_INLINE void scaleStrip(const Columns& columns, size_t first) const {
+    FilteredRows<Columns> filtered(from, columns);
+    for (size_t y = 0; y < to.rows; ++y) {
+      size_t index[4];
+      findTaps(index, down, down.before(y));
+      const int32_t* const rows[4] = {filtered.get(index[0]), filtered.get(index[1]),
+                                      filtered.get(index[2]), filtered.get(index[3])};
+      columns.combineRows(to.row(y) + first, rows, cubicTaps(down.weight(y)));
+    }
+  }
+};
+
+void scaleLuma(const Region& to, const Region& from) {
+  scaleInStrips<1>(Scaler<1>(to, from), kCubicStripBytes, 2, 4);
+}
+void scaleChroma(const Region& to, const Region& from) {
+  scaleInStrips<2>(Scaler<2>(to, from), kCubicStripBytes, 2, 4);
+}
 
 }  // namespace HWY_NAMESPACE
 }  // namespace

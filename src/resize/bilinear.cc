@@ -218,61 +218,51 @@ struct RowTap {
   }
 };
 
-template <class Columns>
-HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
-                           const Columns& columns, size_t first) {
-  FilteredRows<Columns> rows(from, columns);
-  for (size_t y = 0; y < to.rows; ++y) {
-    const RowTap tap(down, y);
-    const int16_t* upper = rows.get(tap.upper);
-    columns.blendRows(to.row(y) + first, upper, rows.get(tap.lower), tap.weight);
-  }
-}
+template <size_t kSample>
+struct Scaler : Planes {
+  using Planes::Planes;
 
+  HWY_INLINE void plain(size_t first, size_t bytes) const {
+    scaleStrip(PlainColumns<kSample>(across, first, bytes), first);
+  }
 #if ZELM_VECTORS
-// As above; where reducing leaves little of a filtered row to use again, none is kept.
-template <class Columns>
-HWY_INLINE void scaleVectorStrip(const Region& to, const Region& from, const Axis& down,
-                                 const Columns& columns, size_t first) {
-  if (2 * from.rows < 3 * to.rows) {
-    scaleStrip(to, from, down, columns, first);
-    return;
+  template <size_t kPieces>
+  HWY_INLINE void vectors(size_t first, size_t bytes) const {
+    const VectorColumns<kPieces> columns(
+        [&](size_t i) HWY_ATTR { return tapOf<kSample>(across, first + i); },
+        from.columns * kSample, bytes);
+    // Where reducing leaves little of a filtered row to use again, none is kept.
+    if (2 * from.rows < 3 * to.rows) {
+      scaleStrip(columns, first);
+    } else {
+      for (size_t y = 0; y < to.rows; ++y) {
+        const RowTap tap(down, y);
+        columns.scaleRow(to.row(y) + first, from.row(tap.upper), from.row(tap.lower),
+                         tap.weight);
+      }
+    }
   }
-  for (size_t y = 0; y < to.rows; ++y) {
-    const RowTap tap(down, y);
-    columns.scaleRow(to.row(y) + first, from.row(tap.upper), from.row(tap.lower),
-                     tap.weight);
-  }
-}
 #endif
+
+  template <class Columns>
+  HWY_INLINE void scaleStrip(const Columns& columns, size_t first) const {
+    FilteredRows<Columns> rows(from, columns);
+    for (size_t y = 0; y < to.rows; ++y) {
+      const RowTap tap(down, y);
+      const int16_t* upper = rows.get(tap.upper);
+      columns.blendRows(to.row(y) + first, upper, rows.get(tap.lower), tap.weight);
+    }
+  }
+};
 
 template <size_t kSample>
-HWY_INLINE void scaleAll(const Region& to, const Region& from) {
-  const Axis across(from.columns, to.columns), down(from.rows, to.rows);
-  const size_t rowBytes = to.columns * kSample;
-  for (size_t first = 0; first < rowBytes; first += kStripBytes) {
-    const size_t rest = rowBytes - first;
-    const size_t bytes = rest < kStripBytes ? rest : kStripBytes;
-#if ZELM_VECTORS
-    const size_t fromBytes = from.columns * kSample;
-    const auto tap = [&](size_t i)
-                         HWY_ATTR { return tapOf<kSample>(across, first + i); };
-    if (bytes >= kBytes && fromBytes >= kPieceBytes &&
-        withPieces(spanOf<kSample>(across, kPieceBytes / 2, 1),
-                   [&](auto pieces) HWY_ATTR {
-                     const VectorColumns<pieces> columns(tap, fromBytes, bytes);
-                     scaleVectorStrip(to, from, down, columns, first);
-                   })) {
-      continue;
-    }
-#endif
-    scaleStrip(to, from, down, PlainColumns<kSample>(across, first, bytes), first);
-  }
+HWY_INLINE void scaleSamples(const Region& to, const Region& from) {
+  scaleInStrips<kSample>(Scaler<kSample>(to, from), kStripBytes, 2, 2);
 }
 
-void scaleLuma(const Region& to, const Region& from) { scaleAll<1>(to, from); }
-void scaleChroma(const Region& to, const Region& from) { scaleAll<2>(to, from); }
-void scale3Channels(const Region& to, const Region& from) { scaleAll<3>(to, from); }
+void scaleLuma(const Region& to, const Region& from) { scaleSamples<1>(to, from); }
+void scaleChroma(const Region& to, const Region& from) { scaleSamples<2>(to, from); }
+void scale3Channels(const Region& to, const Region& from) { scaleSamples<3>(to, from); }
 
 }  // namespace HWY_NAMESPACE
 }  // namespace

@@ -79,47 +79,46 @@ class VectorColumns {
 };
 #endif
 
-template <class Columns>
-HWY_INLINE void scaleStrip(const Region& to, const Region& from, const Axis& down,
-                           const Columns& columns, size_t first, size_t bytes) {
-  const bool reducing = to.rows < from.rows;
-  size_t previous = SIZE_MAX;
-  for (size_t y = 0; y < to.rows; ++y) {
-    uint8_t* row = to.row(y) + first;
-    const size_t source = down.nearest(y);
-    if (source == previous) {
-      std::memcpy(row, row - to.stride, bytes);
-    } else {
-      const uint8_t* next = from.row(down.nearest(y + 1));
-      columns.pickRow(row, from.row(source), reducing ? next : nullptr);
-    }
-    previous = source;
-  }
-}
-
 template <size_t kSample>
-HWY_INLINE void scaleAll(const Region& to, const Region& from) {
-  const Axis across(from.columns, to.columns), down(from.rows, to.rows);
-  const size_t rowBytes = to.columns * kSample;
-  for (size_t first = 0; first < rowBytes; first += kStripBytes) {
-    const size_t rest = rowBytes - first;
-    const Strip<kSample> strip{across, first, rest < kStripBytes ? rest : kStripBytes};
-#if ZELM_VECTORS
-    const size_t fromBytes = from.columns * kSample;
-    if (strip.bytes >= kBytes && fromBytes >= kPieceBytes &&
-        withPieces(spanOf<kSample>(across, kPieceBytes, 0), [&](auto pieces) HWY_ATTR {
-          const VectorColumns<pieces> columns(strip, fromBytes);
-          scaleStrip(to, from, down, columns, first, strip.bytes);
-        })) {
-      continue;
-    }
-#endif
-    scaleStrip(to, from, down, PlainColumns<kSample>(strip), first, strip.bytes);
-  }
-}
+struct Scaler : Planes {
+  using Planes::Planes;
 
-void scaleLuma(const Region& to, const Region& from) { scaleAll<1>(to, from); }
-void scaleChroma(const Region& to, const Region& from) { scaleAll<2>(to, from); }
+  HWY_INLINE void plain(size_t first, size_t bytes) const {
+    scaleStrip(PlainColumns<kSample>({across, first, bytes}), first, bytes);
+  }
+#if ZELM_VECTORS
+  template <size_t kPieces>
+  HWY_INLINE void vectors(size_t first, size_t bytes) const {
+    const VectorColumns<kPieces> columns(Strip<kSample>{across, first, bytes},
+                                         from.columns * kSample);
+    scaleStrip(columns, first, bytes);
+  }
+#endif
+
+  template <class Columns>
+  HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
+    const bool reducing = to.rows < from.rows;
+    size_t previous = SIZE_MAX;
+    for (size_t y = 0; y < to.rows; ++y) {
+      uint8_t* row = to.row(y) + first;
+      const size_t source = down.nearest(y);
+      if (source == previous) {
+        std::memcpy(row, row - to.stride, bytes);
+      } else {
+        const uint8_t* next = from.row(down.nearest(y + 1));
+        columns.pickRow(row, from.row(source), reducing ? next : nullptr);
+      }
+      previous = source;
+    }
+  }
+};
+
+void scaleLuma(const Region& to, const Region& from) {
+  scaleInStrips<1>(Scaler<1>(to, from), kStripBytes, 1, 1);
+}
+void scaleChroma(const Region& to, const Region& from) {
+  scaleInStrips<2>(Scaler<2>(to, from), kStripBytes, 1, 1);
+}
 
 }  // namespace HWY_NAMESPACE
 }  // namespace

@@ -22,6 +22,19 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
+// What a scaler works on. Columns lie the same for all rows.
+struct Planes {
+  const Region& to;
+  const Region& from;
+  const Axis across, down;
+
+  Planes(const Region& destination, const Region& source)
+      : to(destination),
+        from(source),
+        across(source.columns, destination.columns),
+        down(source.rows, destination.rows) {}
+};
+
 #if ZELM_VECTORS
 
 #if ZELM_VBMI
@@ -120,13 +133,13 @@ HWY_INLINE bool withPieces(size_t span, const Body& body) {
   return pieces <= kMaxPieces;
 }
 
-// The most source bytes that `bytes` bytes of a destination row can span when each
-// needs the samples from `before` the nearest one to `after` it.
+// The most source bytes that `bytes` bytes of a destination row can span when each is
+// made of `taps` samples side by side.
 template <size_t kSample>
-HWY_INLINE size_t spanOf(const Axis& across, size_t bytes, size_t extraSamples) {
+HWY_INLINE size_t spanOf(const Axis& across, size_t bytes, size_t taps) {
   // So many bytes belong to at most so many samples.
   const size_t samples = kSample == 3 ? (bytes + 2) / 3 + 1 : bytes / kSample;
-  return (across.before(samples - 1) + 2 + extraSamples) * kSample;
+  return (across.before(samples - 1) + 1 + taps) * kSample;
 }
 
 // A vector of bytes is computed in two halves of 16-bit lanes and packed again. Halves
@@ -172,6 +185,32 @@ HWY_INLINE size_t vectorStart(size_t vector, size_t bytes) {
 }
 
 #endif  // ZELM_VECTORS
+
+// Lets a scaler make its destination in strips of at most `stripBytes` bytes of every
+// row: by scaler.vectors<pieces>(first, bytes) if rows are long enough for vectors and
+// sources lie close enough together, otherwise by scaler.plain(first, bytes). A
+// destination byte is made of `picksPerByte` picks from as many samples as `taps`.
+template <size_t kSample, class Scaler>
+HWY_INLINE void scaleInStrips(const Scaler& scaler, size_t stripBytes,
+                              [[maybe_unused]] size_t picksPerByte,
+                              [[maybe_unused]] size_t taps) {
+  const size_t rowBytes = scaler.to.columns * kSample;
+  for (size_t first = 0; first < rowBytes; first += stripBytes) {
+    const size_t rest = rowBytes - first;
+    const size_t bytes = rest < stripBytes ? rest : stripBytes;
+#if ZELM_VECTORS
+    const size_t span =
+        spanOf<kSample>(scaler.across, kPieceBytes / picksPerByte, taps);
+    if (bytes >= kBytes && scaler.from.columns * kSample >= kPieceBytes &&
+        withPieces(span, [&](auto pieces) HWY_ATTR {
+          scaler.template vectors<pieces>(first, bytes);
+        })) {
+      continue;
+    }
+#endif
+    scaler.plain(first, bytes);
+  }
+}
 
 }  // namespace HWY_NAMESPACE
 }  // namespace
