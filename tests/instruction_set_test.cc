@@ -93,7 +93,7 @@ ProcessorFeatures askProcessor() {
   if (__get_cpuid_count(7, 0, &a, &b7, &c7, &d) == 0) b7 = c7 = 0;
   const bool ymm = all(saved, {1, 2}), zmm = ymm && all(saved, {5, 6, 7});
   return {all(c1, {9, 19, 20}), ymm && all(c1, {12}) && all(b7, {3, 5, 8}),
-          zmm && all(b7, {16, 17, 30, 31}), zmm && all(c7, {1})};
+          zmm && all(b7, {16, 17, 30, 31}), zmm && all(c7, {1, 11})};
 }
 
 TEST(InstructionSet, IsTheHighestOfMachineAndBuild) {
