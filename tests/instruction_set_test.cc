@@ -4,7 +4,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "instruction_set_test.cc"
 #include "simd/each_target.h"
-// Not before the line above, which compiles this file for all other sets.
+
 #include "simd/dispatch.h"
 #include "simd/instruction_set.h"
 #include "simd/vector-inl.h"
