@@ -3,7 +3,7 @@
 // of the library.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "instruction_set_test.cc"
-#include "simd/each_target.h"
+#include "simd/each_target.h"  // before all others
 
 #include "simd/dispatch.h"
 #include "simd/instruction_set.h"
