@@ -9,4 +9,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 require_packages $test_packages
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON
 cmake --build build -j "$(nproc)"
+echo "Instruction sets of the tests:"
+ctest --test-dir build -V -R InstructionSet.Choice | sed -n 's/.*\[   NOTE   \] /  /p' || true
 ctest --test-dir build --no-tests=error --output-on-failure -j "$(nproc)"

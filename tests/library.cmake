@@ -6,24 +6,36 @@ target_include_directories(zelm_test_reference PUBLIC
   ${PROJECT_SOURCE_DIR}/include ${CMAKE_CURRENT_SOURCE_DIR})
 zelm_warnings(zelm_test_reference)
 
-# zelm_library_tests(<prefix> <objects>)
-# All comparisons for one build of the library's objects; the names of the tests start
-# with the prefix.
-function(zelm_library_tests prefix objects)
+# What is the same for all builds of the library's objects.
+add_library(zelm_comparisons OBJECT harness.cc memory.cc stages.cc
+  stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
+target_link_libraries(zelm_comparisons PUBLIC
+  zelm_test_reference GTest::gtest_main Threads::Threads m)
+zelm_warnings(zelm_comparisons)
+
+# zelm_library_tests(<prefix> <objects> <ceiling>)
+# All comparisons for one build of the library's objects, which runs at most the
+# instruction set <ceiling>; the names of the tests start with the prefix.
+function(zelm_library_tests prefix objects ceiling)
   set(test ${prefix}_test)
-  add_executable(${test} harness.cc memory.cc stages.cc
-    stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
+  add_executable(${test} instruction_set_test.cc)
+  target_include_directories(${test} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_compile_definitions(${test} PRIVATE ZELM_TEST_CEILING=${ceiling})
+  if(ZELM_VECTORS AND HIGHWAY_INCLUDE_DIR)
+    target_compile_definitions(${test} PRIVATE ZELM_HIGHWAY=1)
+    target_compile_options(${test} PRIVATE -idirafter ${HIGHWAY_INCLUDE_DIR})
+  endif()
   zelm_warnings(${test})
   target_link_options(${test} PRIVATE -Wl,--wrap=malloc,--wrap=free)
-  target_link_libraries(${test} PRIVATE
-    ${objects} zelm_test_reference GTest::gtest_main Threads::Threads m)
+  target_link_libraries(${test} PRIVATE zelm_comparisons ${objects})
   gtest_discover_tests(${test} TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60)
 endfunction()
 
-zelm_library_tests(library zelm_objects)
-foreach(set avx512 avx2 sse4 plain)
-  if(TARGET zelm_objects_${set})
-    zelm_library_tests(${set} zelm_objects_${set})
+zelm_library_tests(library zelm_objects kAvx512Vbmi)
+foreach(set Avx512 Avx2 Sse4 Plain)
+  string(TOLOWER ${set} prefix)
+  if(TARGET zelm_objects_${prefix})
+    zelm_library_tests(${prefix} zelm_objects_${prefix} k${set})
   endif()
 endforeach()
 

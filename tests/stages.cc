@@ -104,6 +104,38 @@ std::vector<Size> regionSizes(bool odd) {
   return sizes;
 }
 
+// Kernels gather a destination vector out of one or more pieces of the source row. How
+// many they need depends on the step, so all steps up to 10 are tried, with more rows
+// and with fewer.
+void addGathers(std::vector<Sizes>* sizes) {
+  const auto add = [sizes](int dst, int src) {
+    sizes->push_back({{dst, 3}, {src, src % 2 == 0 ? 2 : 6}});
+  };
+  for (int src = 1; src <= 1300; src += src < 300 ? 1 : 3) add(130 + src % 3, src);
+  // Rows about as long as a piece, or shorter, made 20 times as large.
+  for (int bytes : {14, 15, 16, 17, 18, 62, 63, 64, 65, 66}) {
+    for (int sample : {1, 2, 3}) {
+      const int src = (bytes + sample - 1) / sample;
+      sizes->push_back({{20 * src, 20}, {src, 2}});
+      add(64 + src, src);
+    }
+  }
+  // The last strip of bytes and its last vector, of all lengths around those of
+  // vectors.
+  const double steps[] = {0.05, 0.7, 1.5, 2.7, 3.9, 6.1, 8.3, 12};
+  size_t next = 0;
+  for (int strip : {1024, 2048}) {
+    for (int rest : {1, 3, 15, 16, 17, 31, 33, 63, 65, 67}) {
+      for (int sample : {1, 2, 3}) {
+        const int dst = (strip + rest + sample - 1) / sample;
+        for (int k = 0; k < 3; ++k) {
+          add(dst, 1 + static_cast<int>(steps[next++ % 8] * (dst - 1)));
+        }
+      }
+    }
+  }
+}
+
 // Sizes of two regions for the scalers.
 std::vector<Sizes> scaledSizes() {
   const int extents[] = {1,  2,  3,  4,  5,   8,   15,  16, 17,
@@ -140,6 +172,7 @@ std::vector<Sizes> scaledSizes() {
   }
   sizes.push_back({{200, 120}, {330, 90}});
   sizes.push_back({{330, 90}, {200, 120}});
+  addGathers(&sizes);
   return sizes;
 }
 

@@ -1,7 +1,9 @@
 // Known values, and the small input spaces whole.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "harness.h"
 
@@ -299,24 +301,37 @@ TEST(Whole, EverySingleColour) {
   }
 }
 
-TEST(Whole, EveryChromaSum) {
-  // Chroma that repeats every two rows and pairs: all inner pixels see the same sum
-  // of four, and there is one for every luma value.
-  const ImageStruct frame = plane(36, 36);
-  Bytes in(36 * 54);
-  for (size_t i = 0; i < 1296; ++i)
-    in[i] = static_cast<uint8_t>(i / 72 * 16 + i % 36 / 2);
-  for (int sum = 0; sum <= 1020 && !HasFailure(); ++sum) {
-    for (int other : {0, 1, 511, 514, 1019, 1020, 1020 - sum}) {
-      for (int i = 0; i < 324; ++i) {
-        const int which = i / 18 % 2 * 2 + i % 2;
-        in[static_cast<size_t>(1296 + 2 * i)] = static_cast<uint8_t>((sum + which) / 4);
-        in[static_cast<size_t>(1297 + 2 * i)] =
-            static_cast<uint8_t>((other + which) / 4);
+TEST(Whole, EveryPairOfChromaSums) {
+  // Right pixels see sums of four samples of one channel, the averaged one, and twice
+  // the sum of two of the other. Here the first sum rises along the rows from 0 to
+  // 1020, the second down the frame. Exchanging formats and bytes lets each channel
+  // play each part in both kinds of rows. R depends on Y and V, B on Y and U, G is Y
+  // and a function of U and V: one luma shows that function unclamped, the other one
+  // has every Y with every sum.
+  const size_t pairs = 1022, rows = 513, pixels = 4 * pairs * rows;
+  const ImageStruct dst = plane(2 * pairs, 2 * rows);
+  for (int variant = 0; variant < 8; ++variant) {
+    const bool everyLuma = (variant & 1) != 0, exchanged = (variant & 2) != 0;
+    ImageStruct src = dst;
+    src.format = variant & 4 ? FORMAT_YUV420SPVU : FORMAT_YUV420SP;
+    Bytes in(pixels * 3 / 2);
+    for (size_t k = 0; k < rows; ++k) {
+      const size_t down = std::min<size_t>(k > 0 ? k - 1 : 0, 510);
+      for (size_t j = 0; j < pairs; ++j) {
+        const size_t across = (j + 1) / 2;
+        const bool dark = j + 2 * down >= 1024;
+        const size_t y = everyLuma ? k + j : dark ? 192 : 64;
+        for (size_t at : {4 * k * pairs, (4 * k + 2) * pairs}) {
+          in[at + 2 * j] = in[at + 2 * j + 1] = static_cast<uint8_t>(y);
+        }
+        uint8_t* pair = &in[(4 * rows + 2 * k) * pairs + 2 * j];
+        pair[exchanged] = static_cast<uint8_t>((across + k % 2) / 2);
+        pair[!exchanged] = static_cast<uint8_t>((down + j % 2) / 2);
       }
-      BOTH(convYUV420SP_RGBA8888, frame, frame, in, 5184);
-      if (sum % 4 == 1) BOTH(convYUV420SP_RGB565, frame, frame, in, 2592);
     }
+    BOTH(convYUV420SP_RGBA8888, dst, src, in, 4 * pixels);
+    BOTH(convYUV420SP_RGB888, dst, src, in, 3 * pixels);
+    BOTH(convYUV420SP_RGB565, dst, src, in, 2 * pixels);
   }
 }
 
@@ -330,29 +345,45 @@ TEST(Whole, EveryPackedWord) {
   BOTH(convRGB565_YUV420SPVU, plane(512, 512), plane(512, 512), in, 512 * 768);
 }
 
-TEST(Whole, EveryLinearWeight) {
-  // Two samples to 257: the weights of the second are 0 to 256.
-  Bytes across(512), down(512);
-  for (size_t a = 0; a < 256 && !HasFailure(); ++a) {
-    for (size_t b = 0; b < 256; ++b) {
-      across[2 * b] = down[b] = static_cast<uint8_t>(a);
-      across[2 * b + 1] = down[256 + b] = static_cast<uint8_t>(b);
-    }
-    BOTH(resize_linear, plane(257, 256), plane(2, 256), across, 257 * 256);
-    BOTH(resize_linear, plane(256, 257), plane(256, 2), down, 257 * 256);
-  }
+// Rows become columns.
+Bytes transposed(const Bytes& in, size_t columns) {
+  const size_t rows = in.size() / columns;
+  Bytes out(in.size());
+  for (size_t i = 0; i < in.size(); ++i) out[i % columns * rows + i / columns] = in[i];
+  return out;
 }
 
-TEST(Whole, CubicWeightsOnExtremes) {
-  // 0 and 255 in every combination of four columns and four rows.
-  Bytes in(16);
-  for (size_t pattern = 0; pattern < 256 && !HasFailure(); ++pattern) {
-    for (size_t i = 0; i < 16; ++i) {
-      in[i] = ((pattern >> i / 4) ^ (pattern >> (4 + i % 4))) & 1 ? 255 : 0;
+TEST(Whole, EveryLinearWeight) {
+  // A walk on which every two values follow each other, in pieces of 128 samples; 512
+  // steps from one to the next have all weights from 0 to 256.
+  Bytes walk;
+  for (size_t a = 0; a < 256; ++a) {
+    walk.push_back(static_cast<uint8_t>(a));
+    for (size_t b = a + 1; b < 256; ++b) {
+      walk =
+          joined(std::move(walk), {static_cast<uint8_t>(a), static_cast<uint8_t>(b)});
     }
-    BOTH(resize_cubic, plane(769, 13), plane(4, 4), in, 769 * 13);
-    BOTH(resize_cubic, plane(13, 769), plane(4, 4), in, 769 * 13);
   }
+  const int lines = 517, length = 127 * 512 + 1;
+  Bytes in;
+  for (size_t line = 0; line < lines; ++line) {
+    for (size_t i = 0; i < 128; ++i) in.push_back(walk[(127 * line + i) % 65536]);
+  }
+  const size_t size = static_cast<size_t>(lines) * length;
+  BOTH(resize_linear, plane(length, lines), plane(128, lines), in, size);
+  BOTH(resize_linear, plane(lines, length), plane(lines, 128), transposed(in, 128),
+       size);
+}
+
+TEST(Whole, EveryCubicWeightOnExtremes) {
+  // 0 and 255 in every combination of four columns and four rows.
+  const uint8_t bits[16] = {0, 0, 0, 0, 1, 0, 0, 1, 1, 0, 1, 0, 1, 1, 1, 1};
+  Bytes in;
+  for (size_t i = 0; i < 72 * 20; ++i) {
+    in.push_back(bits[i / 72 % 16] != bits[i % 72 % 16] ? 255 : 0);
+  }
+  BOTH(resize_cubic, plane(71 * 512 + 1, 77), plane(72, 20), in, (71 * 512 + 1) * 77);
+  BOTH(resize_cubic, plane(285, 19 * 512 + 1), plane(72, 20), in, 285 * (19 * 512 + 1));
 }
 
 }  // namespace

@@ -1,0 +1,126 @@
+// Which instruction set the kernels run with: the choice, and where a call really ends
+// up in this build on this machine. The kernel here is compiled and picked like those
+// of the library.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "instruction_set_test.cc"
+#include "simd/each_target.h"  // before all others
+
+#include "simd/dispatch.h"
+#include "simd/instruction_set.h"
+#include "simd/vector-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+const char* compiledFor() {
+#if !ZELM_VECTORS
+  return "plain code";
+#elif ZELM_VBMI
+  return "AVX-512 with VBMI";
+#elif HWY_TARGET == HWY_AVX3
+  return "AVX-512";
+#elif HWY_TARGET == HWY_AVX2
+  return "AVX2";
+#elif HWY_TARGET == HWY_SSE4
+  return "SSE4";
+#elif HWY_TARGET == HWY_NEON
+  return "NEON";
+#endif
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#include "simd/again_with_vbmi.h"
+
+#if HWY_ONCE
+#include <gtest/gtest.h>
+#if defined(__x86_64__)
+#include <cpuid.h>
+#endif
+
+#include <algorithm>
+#include <cstdio>
+#include <initializer_list>
+#include <string>
+
+namespace zelm {
+namespace {
+
+// In the order of InstructionSet.
+const char* const names[] = {"plain code", "SSE4", "AVX2", "AVX-512",
+                             "AVX-512 with VBMI"};
+constexpr InstructionSet kCeiling = InstructionSet::ZELM_TEST_CEILING;
+
+std::string kernelRuns() { return ZELM_KERNEL(compiledFor)(); }
+
+// Said once by every run of the program.
+class SaysInstructionSet : public testing::Environment {
+ public:
+  void SetUp() override {
+    printf("[   NOTE   ] allowed up to %s, runs with %s\n",
+           names[static_cast<int>(kCeiling)], kernelRuns().c_str());
+    testing::Test::RecordProperty("instruction_set", kernelRuns());
+  }
+};
+const auto* const environment =
+    testing::AddGlobalTestEnvironment(new SaysInstructionSet);
+
+TEST(InstructionSet, ChoiceEndsAtTheFirstGapAndAtTheCeiling) {
+  // The highest set for each combination of features, SSE4 being the lowest bit.
+  const int highest[16] = {0, 1, 0, 2, 0, 1, 0, 3, 0, 1, 0, 2, 0, 1, 0, 4};
+  for (int bits = 0; bits < 16; ++bits) {
+    const ProcessorFeatures features = {(bits & 1) != 0, (bits & 2) != 0,
+                                        (bits & 4) != 0, (bits & 8) != 0};
+    for (int ceiling = 0; ceiling < 5; ++ceiling) {
+      const InstructionSet set =
+          chooseInstructionSet(features, static_cast<InstructionSet>(ceiling));
+      EXPECT_EQ(static_cast<int>(set), std::min(highest[bits], ceiling)) << bits;
+    }
+  }
+}
+
+#if defined(__x86_64__)
+
+// What the processor says of itself, without the compiler's help.
+ProcessorFeatures askProcessor() {
+  unsigned a, b, c, d, b7, c7, saved = 0;
+  if (__get_cpuid(1, &a, &b, &c, &d) == 0) return {};
+  const auto all = [](unsigned word, std::initializer_list<int> bits) {
+    return std::all_of(bits.begin(), bits.end(),
+                       [word](int bit) { return (word >> bit & 1) != 0; });
+  };
+  const unsigned c1 = c;
+  // The registers that the operating system saves: upper halves, masks, upper zmm.
+  if (all(c1, {27})) asm volatile("xgetbv" : "=a"(saved), "=d"(d) : "c"(0));
+  if (__get_cpuid_count(7, 0, &a, &b7, &c7, &d) == 0) b7 = c7 = 0;
+  const bool ymm = all(saved, {1, 2}), zmm = ymm && all(saved, {5, 6, 7});
+  return {all(c1, {9, 19, 20}), ymm && all(c1, {12}) && all(b7, {3, 5, 8}),
+          zmm && all(b7, {16, 17, 30, 31}), zmm && all(c7, {1, 11})};
+}
+
+TEST(InstructionSet, IsTheHighestOfMachineAndBuild) {
+  const InstructionSet set = chooseInstructionSet(askProcessor(), kCeiling);
+  EXPECT_EQ(instructionSet(), set);
+#if ZELM_HIGHWAY
+  // The compiler may take more for granted than was asked for.
+  const InstructionSet baseline =
+      HWY_STATIC_TARGET == HWY_AVX3   ? InstructionSet::kAvx512
+      : HWY_STATIC_TARGET == HWY_AVX2 ? InstructionSet::kAvx2
+      : HWY_STATIC_TARGET == HWY_SSE4 ? InstructionSet::kSse4
+                                      : InstructionSet::kPlain;
+  EXPECT_EQ(kernelRuns(), names[static_cast<int>(std::max(set, baseline))]);
+#else
+  EXPECT_EQ(kernelRuns(), names[0]);
+#endif
+}
+
+#endif  // defined(__x86_64__)
+
+}  // namespace
+}  // namespace zelm
+#endif  // HWY_ONCE
