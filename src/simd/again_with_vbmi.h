@@ -44,7 +44,12 @@ HWY_INLINE Vec<U8> pack(Vec<U16> a, Vec<U16> b) {
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
+// What exists once is left to the pass that comes here, which may be that pass.
+#pragma push_macro("HWY_ONCE")
+#undef HWY_ONCE
+#define HWY_ONCE 0
 #include HWY_TARGET_INCLUDE
+#pragma pop_macro("HWY_ONCE")
 
 #undef ZELM_VBMI
 #define ZELM_VBMI 0

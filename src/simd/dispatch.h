@@ -4,8 +4,11 @@
 #ifndef ZELM_SRC_SIMD_DISPATCH_H_
 #define ZELM_SRC_SIMD_DISPATCH_H_
 
-#include "simd/each_target.h"
 #include "simd/instruction_set.h"
+
+#ifndef ZELM_SRC_SIMD_EACH_TARGET_H_
+#error "simd/each_target.h comes before all other headers"
+#endif
 
 #if ZELM_HIGHWAY && defined(__x86_64__)
 
