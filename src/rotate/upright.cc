@@ -13,20 +13,22 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-#if ZELM_VECTORS
-HWY_INLINE Vec<U8> reverse(Vec<U8> v) {
-  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                         7,  6,  5,  4,  3,  2,  1, 0};
-  return hn::ReverseBlocks(u8, pickInBlocks(v, everyBlock(kBackwards)));
-}
-#endif
-
 void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   size_t done = 0;
 #if ZELM_VECTORS
-  done = inBlocks(bytes, kBytes, [&](size_t x) HWY_ATTR {
-    store(reverse(load(from + bytes - kBytes - x)), to + x);
+  // Rows are read downwards, which wider loads make slower.
+  const hn::Full128<uint8_t> block;
+  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
+                                                         7,  6,  5,  4,  3,  2,  1, 0};
+  const auto backwards = hn::Load(block, kBackwards);
+  const auto reverse = [&](size_t x) HWY_ATTR {
+    const auto v = hn::LoadU(block, from + bytes - 16 - x);
+    hn::StoreU(hn::TableLookupBytes(v, backwards), block, to + x);
+  };
+  done = inBlocks(bytes, 64, [&](size_t x) HWY_ATTR {
+    for (size_t i = 0; i < 64; i += 16) reverse(x + i);
   });
+  if (done == 0) done = inBlocks(bytes, 16, reverse);
 #endif
   for (size_t x = done; x < bytes; ++x) to[x] = from[bytes - 1 - x];
 }
