@@ -315,10 +315,9 @@ void fillChromaSums(uint8_t* chroma, size_t pairs, size_t rows, bool exchanged) 
 }
 
 TEST(Whole, EveryPairOfChromaSums) {
-  // Exchanging formats and bytes lets each channel
-  // play each part in both kinds of rows. R depends on Y and V, B on Y and U, G is Y
-  // and a function of U and V: one luma shows that function unclamped, the other one
-  // has every Y with every sum.
+  // Exchanging formats and bytes lets each channel play each part in both kinds of
+  // rows. R depends on Y and V, B on Y and U, G is Y and a function of U and V: one
+  // luma shows that function unclamped, the other one has every Y with every sum.
   const size_t pairs = 1022, rows = 513, pixels = 4 * pairs * rows;
   const ImageStruct dst = plane(2 * pairs, 2 * rows);
   for (int variant = 0; variant < 8; ++variant) {
@@ -343,9 +342,8 @@ TEST(Whole, EveryPairOfChromaSums) {
   }
 }
 
-// Every luma with every pair of sums. The reference would take minutes, so this is the
-// rule once more, for right pixels, on a frame of pairs without differences between
-// rows: chroma k down the frame, j across.
+// The same with every luma. The reference would take minutes, so the rule stands here
+// once more, for the right pixels of that frame.
 TEST(Whole, EveryLumaWithEveryPairOfChromaSums) {
   const size_t pairs = 1022, rows = 513, width = 2 * pairs;
   const auto clamp = [](int value) { return std::min(255, std::max(0, value)); };
