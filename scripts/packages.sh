@@ -3,6 +3,7 @@
 
 build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
 test_packages="$build_packages libgtest-dev googletest"
+arm_packages="make cmake libhwy-dev googletest qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
 bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
 demo_packages="$build_packages ffmpeg"
 
