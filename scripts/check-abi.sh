@@ -42,7 +42,7 @@ fi
 
 if $store; then
   abidw --headers-dir include --drop-private-types --no-comp-dir-path --no-corpus-path \
-    --short-locs --type-id-style hash --out-file "$description" "$library"
+    --short-locs --exported-interfaces-only --type-id-style hash --out-file "$description" "$library"
   echo "written: $description"
 elif abidiff --headers-dir2 include --drop-private-types "$description" "$library"; then
   echo "the binary interface is that of $description"
