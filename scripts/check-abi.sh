@@ -40,11 +40,13 @@ if ! readelf -SW "$library" | grep -q '\.debug_info'; then
   exit 1
 fi
 
+# Types are not sorted into public and private ones: abidiff would take uint32_t, which
+# the header does not define itself, for private, and pass over a field of another type.
 if $store; then
-  abidw --headers-dir include --drop-private-types --no-comp-dir-path --no-corpus-path \
-    --short-locs --exported-interfaces-only --type-id-style hash --out-file "$description" "$library"
+  abidw --exported-interfaces-only --no-comp-dir-path --no-corpus-path --short-locs \
+    --type-id-style hash --out-file "$description" "$library"
   echo "written: $description"
-elif abidiff --headers-dir2 include --drop-private-types "$description" "$library"; then
+elif abidiff --harmless "$description" "$library"; then
   echo "the binary interface is that of $description"
 else
   echo "The binary interface differs from $description; see above." >&2
