@@ -2,9 +2,11 @@
 # Sourced by the scripts beside it: Debian packages that a build needs.
 
 build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
-test_packages="$build_packages libgtest-dev googletest"
+test_packages="$build_packages libgtest-dev googletest dpkg-dev file pkg-config"
 arm_packages="make cmake libhwy-dev googletest qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
 bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
+package_packages="$build_packages dpkg-dev file pkg-config"
+abi_packages="$build_packages abigail-tools"
 demo_packages="$build_packages ffmpeg"
 
 # Prints those of the packages that are not installed.

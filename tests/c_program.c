@@ -8,6 +8,38 @@ static int failures = 0;
 #define check(holds) \
   if (!(holds)) printf("line %d: %s\n", __LINE__, #holds), ++failures
 
+/* Programs that were compiled long ago pass and compare these numbers. */
+static const int codes[][2] = {{FORMAT_YUV420P, 1},
+                               {FORMAT_YUV420SP, 2},
+                               {FORMAT_YUV420SPVU, 4},
+                               {FORMAT_YUV422SP, 16},
+                               {FORMAT_YUV422SPVU, 32},
+                               {FORMAT_YUV422IUYVY, 256},
+                               {FORMAT_RGB565, 1024},
+                               {FORMAT_RGB888, 2048},
+                               {FORMAT_RGBA8888, 4096},
+                               {FORMAT_YUV420SPMB, 0x1000000},
+                               {RESIZE_LINEAR, 2},
+                               {RESIZE_CUBIC, 3},
+                               {RESIZE_NEAREST, 4},
+                               {ROTATE_0, 0},
+                               {ROTATE_90, 1},
+                               {ROTATE_180, 2},
+                               {ROTATE_270, 4},
+                               {RESULT_OK, 0},
+                               {RESULT_NULL, -1},
+                               {RESULT_BAD_SIZE, -2},
+                               {RESULT_BAD_ROI, -3},
+                               {RESULT_BAD_FORMAT, -4},
+                               {RESULT_BAD_ROTATION, -9},
+                               {RESULT_UNSUPPORTED_CONVERSION, -5},
+                               {RESULT_BAD_MODE, -10},
+                               {RESULT_GEOMETRY_MISMATCH, -6},
+                               {RESULT_ROI_MISMATCH, -11},
+                               {RESULT_BAD_LUMA_METHOD, -7},
+                               {RESULT_NO_MEMORY, -12},
+                               {RESULT_BAD_CHROMA_METHOD, -8}};
+
 int main(void) {
   uint8_t camera[8 * 4 * 3 / 2], preview[4 * 4 * 2], turned[4 * 8 * 3 / 2];
   const ImageStruct src = zelmWholeFrame(FORMAT_YUV420SP, 8, 4, camera);
@@ -16,6 +48,7 @@ int main(void) {
   ImageStruct odd = zelmWholeFrame(FORMAT_YUV420SP, 8, 4, camera);
   size_t i;
 
+  for (i = 0; i < sizeof codes / sizeof *codes; ++i) check(codes[i][0] == codes[i][1]);
   check(sizeof(ImageStruct) == (sizeof(void *) == 4 ? 80 : 88));
   check(src.dataSize == sizeof camera && src.uvOffset == 32 && src.roiWidth == 8);
   check(dst.dataSize == sizeof preview && dst.uvOffset == 0 && dst.roiHeight == 2);

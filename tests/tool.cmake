@@ -9,4 +9,9 @@ if(TARGET zelm-imageutil)
   zelm_warnings(tool_test)
   add_dependencies(tool_test zelm-imageutil)
   gtest_discover_tests(tool_test)
+
+  add_test(NAME tool_pages COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zelm-imageutil>
+    -DPAGE=${PROJECT_SOURCE_DIR}/docs/zelm-imageutil.1.in
+    -DCOMPLETION=${PROJECT_SOURCE_DIR}/tools/completion/zelm-imageutil
+    -P ${CMAKE_CURRENT_SOURCE_DIR}/tool_pages.cmake)
 endif()

@@ -1,0 +1,42 @@
+# Debian packages, one for each component. scripts/package.sh makes them.
+set(ZELM_PACKAGE_CONTACT "zelm_imageutil developers <zelm-imageutil@example.org>"
+  CACHE STRING "Maintainer named in packages")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "${ZELM_PACKAGE_CONTACT}")
+set(CPACK_PACKAGE_VENDOR "zelm_imageutil")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_COMPONENTS_ALL runtime devel)
+if(TARGET zelm-imageutil)
+  list(APPEND CPACK_COMPONENTS_ALL tool)
+endif()
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+set(runtime libzelm-imageutil${PROJECT_VERSION_MAJOR})
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}
+Reads planar, semi-planar, tiled and packed YUV and RGB565, writes YUV and RGB,
+scales regions and turns them, with the same bytes on every processor.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+set(CPACK_COMPONENT_DEVEL_DESCRIPTION "${PROJECT_DESCRIPTION} (development files)
+The header, the static library, and what CMake and pkg-config need to find them.")
+set(CPACK_DEBIAN_DEVEL_PACKAGE_NAME libzelm-imageutil-dev)
+set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS "${runtime} (= ${PROJECT_VERSION}), libc6-dev")
+
+set(CPACK_COMPONENT_TOOL_DESCRIPTION "Converts, scales and turns camera and video frames
+The program zelm-imageutil, for raw frames, Y4M, PNG and portable pixmaps.")
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME zelm-imageutil)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
+include(CPack)
