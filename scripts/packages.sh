@@ -5,6 +5,8 @@ build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
 test_packages="$build_packages libgtest-dev googletest"
 bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
 demo_packages="$build_packages ffmpeg"
+fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
+check_packages="$test_packages $fuzz_packages clang-tidy clang-format cppcheck valgrind"
 
 # Prints those of the packages that are not installed.
 missing_packages() {
