@@ -8,6 +8,8 @@ bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-de
 package_packages="$build_packages dpkg-dev file pkg-config"
 abi_packages="$build_packages abigail-tools"
 demo_packages="$build_packages ffmpeg"
+fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
+check_packages="$test_packages $fuzz_packages clang-tidy clang-format cppcheck valgrind"
 
 # Prints those of the packages that are not installed.
 missing_packages() {
