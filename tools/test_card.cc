@@ -126,7 +126,8 @@ void TestCard::paint(float left, float top, float right, float bottom,
 
 void TestCard::paintText(float left, float top, float cell, const std::string& text,
                          const Rgb& colour) {
-  const float right = left + cell * kFontColumns * static_cast<float>(text.size());
+  const float right =
+      left + cell * static_cast<float>(kFontColumns) * static_cast<float>(text.size());
   const auto letters = [&](float x, float y) {
     const int column = static_cast<int>(std::floor((x - left) / cell));
     const int row = static_cast<int>(std::floor((y - top) / cell));
