@@ -3,10 +3,13 @@
 
 build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
 test_packages="$build_packages libgtest-dev googletest dpkg-dev file pkg-config"
+arm_packages="make cmake libhwy-dev googletest qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
 bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
 package_packages="$build_packages dpkg-dev file pkg-config"
 abi_packages="$build_packages abigail-tools"
 demo_packages="$build_packages ffmpeg"
+fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
+check_packages="$test_packages $fuzz_packages clang-tidy clang-format cppcheck valgrind"
 
 # Prints those of the packages that are not installed.
 missing_packages() {

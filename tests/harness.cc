@@ -59,7 +59,8 @@ std::string describe(const ImageStruct& r) {
 
 ImageStruct noisyRecord(Random* random) {
   ImageStruct record;
-  uint8_t noise[sizeof record];
+  uint8_t noise[88];  // as many on every machine
+  static_assert(sizeof record <= sizeof noise, "noise fills a record");
   for (uint8_t& byte : noise) byte = static_cast<uint8_t>(random->next() >> 8);
   memcpy(static_cast<void*>(&record), noise, sizeof record);
   record.data = nullptr;

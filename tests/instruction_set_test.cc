@@ -52,9 +52,9 @@ namespace zelm {
 namespace {
 
 // In the order of InstructionSet.
-const char* const names[] = {"plain code", "SSE4", "AVX2", "AVX-512",
+[[maybe_unused]] const char* const names[] = {"plain code", "SSE4", "AVX2", "AVX-512",
                              "AVX-512 with VBMI"};
-constexpr InstructionSet kCeiling = InstructionSet::ZELM_TEST_CEILING;
+[[maybe_unused]] constexpr InstructionSet kCeiling = InstructionSet::ZELM_TEST_CEILING;
 
 std::string kernelRuns() { return ZELM_KERNEL(compiledFor)(); }
 
@@ -62,8 +62,13 @@ std::string kernelRuns() { return ZELM_KERNEL(compiledFor)(); }
 class SaysInstructionSet : public testing::Environment {
  public:
   void SetUp() override {
+#if defined(__x86_64__)
     printf("[   NOTE   ] allowed up to %s, runs with %s\n",
            names[static_cast<int>(kCeiling)], kernelRuns().c_str());
+#else
+    printf("[   NOTE   ] %d-bit code, runs with %s\n",
+           static_cast<int>(8 * sizeof(void*)), kernelRuns().c_str());
+#endif
     testing::Test::RecordProperty("instruction_set", kernelRuns());
   }
 };
@@ -119,7 +124,18 @@ TEST(InstructionSet, IsTheHighestOfMachineAndBuild) {
 #endif
 }
 
-#endif  // defined(__x86_64__)
+#elif defined(__arm__) || defined(__aarch64__)
+
+// Highway is content with plain code where the compiler's options leave out NEON.
+TEST(InstructionSet, IsNeonUnlessVectorsAreOff) {
+#if ZELM_HIGHWAY
+  EXPECT_EQ(kernelRuns(), "NEON");
+#else
+  EXPECT_EQ(kernelRuns(), "plain code");
+#endif
+}
+
+#endif
 
 }  // namespace
 }  // namespace zelm

@@ -5,76 +5,7 @@
 namespace harness {
 namespace {
 
-struct Size {
-  int w, h;
-};
-struct Sizes {
-  Size dst, src;
-};
-
 size_t upTo16(size_t n) { return (n + 15) / 16 * 16; }
-
-// A frame around a region, with or without margins around it.
-Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* random) {
-  const bool anySize =
-      layout == Layout::kLuma &&
-      (fit == Fit::kSameAny || fit == Fit::kTurned || fit == Fit::kScaledSamples);
-  const int grid = anySize ? 1 : 2;
-  const bool whole = fit == Fit::kFrame || fit == Fit::kTiles;
-  int left = 0, right = 0, top = 0, bottom = 0;
-  if (margins && !whole) {
-    left = random->below(10) * grid, right = random->below(10) * grid;
-    top = random->below(4) * grid, bottom = random->below(4) * grid;
-  }
-  const int width = std::max(2, (left + region.w + right + grid - 1) / grid * grid);
-  const int height = std::max(2, (top + region.h + bottom + grid - 1) / grid * grid);
-
-  Frame frame{noisyRecord(random), 0, 0, 0};
-  ImageStruct& r = frame.record;
-  const uint32_t formats[] = {FORMAT_YUV420SP, FORMAT_YUV420SPVU, FORMAT_RGB565, 0};
-  r.format = formats[random->below(4)];
-  r.width = static_cast<uint16_t>(width);
-  r.height = static_cast<uint16_t>(height);
-  r.roiX = left;
-  r.roiY = top;
-  r.roiWidth = static_cast<uint16_t>(region.w);
-  r.roiHeight = static_cast<uint16_t>(region.h);
-
-  struct {
-    size_t lumaBytes, chromaHalves;
-    bool atOffset;
-  } const rules[] = {{1, 0, false}, {1, 1, true},  {1, 1, false}, {1, 2, true},
-                     {1, 1, true},  {0, 0, false}, {2, 0, false}, {3, 0, false},
-                     {4, 0, false}, {1, 1, true},  {1, 1, false}, {3, 0, false}};
-  const auto& rule = rules[static_cast<int>(layout)];
-  size_t w = r.width, h = r.height;
-  if (layout == Layout::kTiledRead || layout == Layout::kTiledWritten) {
-    w = upTo16(w), h = upTo16(h);
-  }
-  if (layout == Layout::kBlock3) {
-    w = r.roiWidth, h = r.roiHeight;
-    r.width = 0xFFF0;
-    r.roiX = r.roiY = 0x123456;
-  }
-  const size_t gap = margins && rule.atOffset ? random->below(20) : 0;
-  frame.stride = std::max<size_t>(1, w * rule.lumaBytes);
-  frame.chroma = w * h * rule.lumaBytes + gap;
-  frame.bytes = frame.chroma + w * h * rule.chromaHalves / 2;
-  if (layout == Layout::kPlanarWritten) {
-    frame.stride = w;
-    frame.chroma = h * upTo16(w);
-    frame.bytes = frame.chroma + h * upTo16(upTo16(w) / 2);
-  }
-  if (rule.atOffset) r.uvOffset = static_cast<uint32_t>(frame.chroma);
-  if (fit == Fit::kFrame && margins) {
-    r.roiX = random->below(width / 2) * 2;
-    r.roiY = random->below(height / 2) * 2;
-    r.roiWidth = static_cast<uint16_t>(width - r.roiX);
-    r.roiHeight = static_cast<uint16_t>(height - r.roiY);
-  }
-  if (fit == Fit::kTiles) r.roiX = r.roiY = 0x345678;
-  return frame;
-}
 
 // Sizes of one region: every small width, widths around the powers of two that kernels
 // and strips are made of, every small height, and the same the other way round.
@@ -177,33 +108,105 @@ std::vector<Sizes> scaledSizes() {
 }
 
 std::vector<Sizes> sizesOf(Fit fit) {
-  if (fit == Fit::kScaledSamples) return scaledSizes();
   std::vector<Sizes> sizes;
-  if (fit == Fit::kScaledPairs) {
-    for (const Sizes& s : scaledSizes()) {
-      sizes.push_back({{2 * s.dst.w, 2 * s.dst.h}, {2 * s.src.w, 2 * s.src.h}});
-    }
+  if (fit == Fit::kScaledSamples || fit == Fit::kScaledPairs) {
+    for (const Sizes& s : scaledSizes()) sizes.push_back(regionsOf(fit, s.dst, s.src));
     return sizes;
   }
   const bool whole = fit == Fit::kFrame || fit == Fit::kTiles;
-  const int factor = fit == Fit::kBox2 ? 2 : fit == Fit::kBox4 ? 4 : 0;
   for (const Size& s : regionSizes(fit != Fit::kSame && !whole)) {
-    Sizes both{s, s};
-    if (fit == Fit::kTurned) both.dst = {s.h, s.w};
-    if (fit == Fit::kWholeGroups) both.dst.w = s.w / 2 * 2;
-    if (fit == Fit::kDoubledLast) both.dst.w = (s.w + 1) / 2 * 2;
-    if (factor > 0) {
-      const int surplus = static_cast<int>(sizes.size()) % 3;
-      both.src = {factor * s.w + surplus, factor * s.h + surplus};
-    }
     if (whole && s.w == 0) continue;
     if (fit == Fit::kFrame && s.h == 0) continue;
-    sizes.push_back(both);
+    const int surplus = static_cast<int>(sizes.size()) % 3;
+    sizes.push_back(regionsOf(fit, s, {surplus, surplus}));
   }
   return sizes;
 }
 
 }  // namespace
+
+Sizes regionsOf(Fit fit, Size size, Size other) {
+  const Size doubled{2 * size.w, 2 * size.h};
+  const int factor = fit == Fit::kBox2 ? 2 : 4;
+  switch (fit) {
+    case Fit::kTurned:
+      return {{size.h, size.w}, size};
+    case Fit::kWholeGroups:
+      return {{size.w / 2 * 2, size.h}, size};
+    case Fit::kDoubledLast:
+      return {{(size.w + 1) / 2 * 2, size.h}, size};
+    case Fit::kBox2:
+    case Fit::kBox4:
+      return {size, {factor * size.w + other.w, factor * size.h + other.h}};
+    case Fit::kScaledSamples:
+      return {size, other};
+    case Fit::kScaledPairs:
+      return {doubled, {2 * other.w, 2 * other.h}};
+    default:
+      return {size, size};
+  }
+}
+
+Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* random) {
+  const bool anySize =
+      layout == Layout::kLuma &&
+      (fit == Fit::kSameAny || fit == Fit::kTurned || fit == Fit::kScaledSamples);
+  const int grid = anySize ? 1 : 2;
+  const bool whole = fit == Fit::kFrame || fit == Fit::kTiles;
+  int left = 0, right = 0, top = 0, bottom = 0;
+  if (margins && !whole) {
+    left = random->below(10) * grid, right = random->below(10) * grid;
+    top = random->below(4) * grid, bottom = random->below(4) * grid;
+  }
+  const int width = std::max(2, (left + region.w + right + grid - 1) / grid * grid);
+  const int height = std::max(2, (top + region.h + bottom + grid - 1) / grid * grid);
+
+  Frame frame{noisyRecord(random), 0, 0, 0};
+  ImageStruct& r = frame.record;
+  const uint32_t formats[] = {FORMAT_YUV420SP, FORMAT_YUV420SPVU, FORMAT_RGB565, 0};
+  r.format = formats[random->below(4)];
+  r.width = static_cast<uint16_t>(width);
+  r.height = static_cast<uint16_t>(height);
+  r.roiX = left;
+  r.roiY = top;
+  r.roiWidth = static_cast<uint16_t>(region.w);
+  r.roiHeight = static_cast<uint16_t>(region.h);
+
+  struct {
+    size_t lumaBytes, chromaHalves;
+    bool atOffset;
+  } const rules[] = {{1, 0, false}, {1, 1, true},  {1, 1, false}, {1, 2, true},
+                     {1, 1, true},  {0, 0, false}, {2, 0, false}, {3, 0, false},
+                     {4, 0, false}, {1, 1, true},  {1, 1, false}, {3, 0, false}};
+  const auto& rule = rules[static_cast<int>(layout)];
+  size_t w = r.width, h = r.height;
+  if (layout == Layout::kTiledRead || layout == Layout::kTiledWritten) {
+    w = upTo16(w), h = upTo16(h);
+  }
+  if (layout == Layout::kBlock3) {
+    w = r.roiWidth, h = r.roiHeight;
+    r.width = 0xFFF0;
+    r.roiX = r.roiY = 0x123456;
+  }
+  const size_t gap = margins && rule.atOffset ? random->below(20) : 0;
+  frame.stride = std::max<size_t>(1, w * rule.lumaBytes);
+  frame.chroma = w * h * rule.lumaBytes + gap;
+  frame.bytes = frame.chroma + w * h * rule.chromaHalves / 2;
+  if (layout == Layout::kPlanarWritten) {
+    frame.stride = w;
+    frame.chroma = h * upTo16(w);
+    frame.bytes = frame.chroma + h * upTo16(upTo16(w) / 2);
+  }
+  if (rule.atOffset) r.uvOffset = static_cast<uint32_t>(frame.chroma);
+  if (fit == Fit::kFrame && margins) {
+    r.roiX = random->below(width / 2) * 2;
+    r.roiY = random->below(height / 2) * 2;
+    r.roiWidth = static_cast<uint16_t>(width - r.roiX);
+    r.roiHeight = static_cast<uint16_t>(height - r.roiY);
+  }
+  if (fit == Fit::kTiles) r.roiX = r.roiY = 0x345678;
+  return frame;
+}
 
 std::vector<Case> casesOf(const Stage& stage) {
   std::vector<Case> cases;

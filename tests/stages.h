@@ -42,6 +42,19 @@ struct Stage {
 
 inline void PrintTo(const Stage& stage, std::ostream* out) { *out << stage.name; }
 
+struct Size {
+  int w, h;
+};
+struct Sizes {
+  Size dst, src;
+};
+
+// Regions that fit together, made of two sizes. The second is the source's for scalers
+// and what the source has too much for box averages.
+Sizes regionsOf(Fit fit, Size size, Size other);
+// A frame around a region, with or without margins around it.
+Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* random);
+
 struct Case {
   Frame dst, src;
   Content content;

@@ -120,9 +120,10 @@ class VectorColumns {
       const Vec<I16> x =
           hn::Sub(hn::Add(products(0, inner), hn::Set(i16, 128)), products(2, outer));
       const Vec<I16> z = products(1, inner);
-      int16_t* lanes = reinterpret_cast<int16_t*>(to) + h * kBytes;
-      hn::Store(hn::InterleaveLower(i16, x, z), i16, lanes);
-      hn::Store(hn::InterleaveUpper(i16, x, z), i16, lanes + kBytes / 2);
+      int32_t* lanes = to + h * (kBytes / 2);
+      hn::Store(hn::BitCast(i32, hn::InterleaveLower(i16, x, z)), i32, lanes);
+      hn::Store(hn::BitCast(i32, hn::InterleaveUpper(i16, x, z)), i32,
+                lanes + kBytes / 4);
     }
   }
 

@@ -1,7 +1,7 @@
 // Gathering bytes of a source row in an order fixed beforehand. Included once per
 // instruction set.
 //
-// Every group of kPieceBytes bytes of a vector is picked out of up to kMaxPieces pieces
+// Every group of kPieceBytes bytes of a vector is picked out of up to four pieces
 // of that size, which follow each other in the row. The last pieces are moved back so
 // that they end with the row; a row has at least kPieceBytes bytes. A piece is a block
 // of 16 bytes, and picking is one shuffle per piece; with VBMI it is a whole vector.
@@ -43,7 +43,6 @@ constexpr size_t kPieceBytes = kBytes;
 constexpr size_t kPieceBytes = 16;
 #endif
 constexpr size_t kGroups = kBytes / kPieceBytes;
-constexpr size_t kMaxPieces = 4;
 
 // Where the pieces of a vector begin, and which of their bytes it is made of.
 template <size_t kPieces>
@@ -78,9 +77,13 @@ class Picks {
     const __m512i low = _mm512_permutex2var_epi8(piece(0), index, piece(kPieces > 1));
     if (kPieces == 2) return {low};
     // The highest bit of an index, which permutations ignore, tells the pair of pieces.
+    const __mmask64 upper = _mm512_movepi8_mask(index);
+    if (kPieces == 3) {
+      return {_mm512_mask_permutexvar_epi8(low, upper, index, piece(kPieces - 1))};
+    }
     const __m512i high =
         _mm512_permutex2var_epi8(piece(kPieces - 2), index, piece(kPieces - 1));
-    return {_mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high)};
+    return {_mm512_mask_blend_epi8(upper, low, high)};
   }
 #else
   HWY_INLINE void set(size_t i, size_t position) {
@@ -127,10 +130,12 @@ HWY_INLINE bool withPieces(size_t span, const Body& body) {
     body(PieceCount<1>());
   } else if (pieces == 2) {
     body(PieceCount<2>());
-  } else if (pieces <= kMaxPieces) {
-    body(PieceCount<kMaxPieces>());
+  } else if (pieces == 3) {
+    body(PieceCount<3>());
+  } else if (pieces == 4) {
+    body(PieceCount<4>());
   }
-  return pieces <= kMaxPieces;
+  return pieces <= 4;
 }
 
 // The most source bytes that `bytes` bytes of a destination row can span when each is

@@ -17,7 +17,10 @@
 #define HWY_DISABLE_F16C
 #if defined(__x86_64__)
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
-#elif defined(__aarch64__)
+#else
+// Kernels use what the compiler may use anywhere, which on Arm is NEON or plain code.
+// With run-time dispatch Highway would let it use the instructions for AES as well.
+#define TOOLCHAIN_MISS_SYS_AUXV_H
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 #endif
 #define ZELM_VECTORS (HWY_TARGET != HWY_SCALAR)

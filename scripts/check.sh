@@ -1,0 +1,106 @@
+#!/usr/bin/env bash
+# Runs checks that the tests alone do not make, by name or all, and prints a line for
+# each; exit status 1 when one failed.
+#   scripts/check.sh [NAME...]
+#   warnings  both compilers, warnings are errors
+#   asan      the whole suite, address and undefined-behaviour sanitizers
+#   tsan      the whole suite, thread sanitizer
+#   msan      the fuzzers of the library, memory sanitizer
+#   valgrind  the tests of the library up to AVX2 in valgrind
+#   tidy      clang-tidy with the repository's configuration
+#   cppcheck  the other static analyser
+#   format    clang-format
+# Each has its folder build-NAME and its log build-NAME/check.log. JOBS and SECONDS_PER_FUZZER
+# set the number of compilers and how long a fuzzer runs. Installs missing packages as
+# root.
+set -uo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 2
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+
+all=(format warnings asan tsan msan valgrind tidy cppcheck)
+jobs=${JOBS:-$(nproc)}
+seconds=${SECONDS_PER_FUZZER:-20}
+
+# configure FOLDER [OPTION...]
+configure() {
+  local folder=$1 launcher=()
+  command -v ccache >/dev/null &&
+    launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache)
+  cmake -G Ninja -S . -B "$folder" -DCMAKE_BUILD_TYPE=RelWithDebInfo "${launcher[@]}" \
+    -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON "${@:2}"
+}
+
+# sanitized NAME SANITIZERS: the whole suite with these.
+sanitized() {
+  local flags="-fsanitize=$2 -fno-sanitize-recover=all -fno-omit-frame-pointer -g1"
+  configure "build-$1" -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$flags" &&
+    cmake --build "build-$1" -j "$jobs" &&
+    ctest --test-dir "build-$1" --no-tests=error --output-on-failure -j "$jobs"
+}
+
+check_warnings() {
+  local compiler
+  for compiler in gcc/g++ clang-14/clang++-14; do
+    configure "build-warnings/${compiler#*/}" -DZELM_WARNINGS_AS_ERRORS=ON \
+      -DCMAKE_C_COMPILER="${compiler%/*}" -DCMAKE_CXX_COMPILER="${compiler#*/}" &&
+      cmake --build "build-warnings/${compiler#*/}" -j "$jobs" || return 1
+  done
+}
+
+check_asan() {
+  UBSAN_OPTIONS=print_stacktrace=1 sanitized asan address,undefined
+}
+
+check_tsan() { sanitized tsan thread; }
+
+check_msan() { JOBS=$jobs scripts/fuzz.sh --memory "$seconds"; }
+
+check_valgrind() {
+  configure build-valgrind && cmake --build build-valgrind -j "$jobs" --target avx2_test &&
+    valgrind --quiet --error-exitcode=1 --track-origins=no \
+      build-valgrind/tests/avx2_test \
+      --gtest_filter='Values.*:Pipeline.OrderOfErrors:Pipeline.NoMemory'
+}
+
+# Sources of ours that are compiled.
+sources() {
+  git ls-files '*.cc' "$@"
+}
+
+check_tidy() {
+  configure build-tidy &&
+    sources ':!bench' ':!fuzz' ':!examples' |
+    xargs -P "$jobs" -n 1 clang-tidy -p build-tidy --quiet --warnings-as-errors='*'
+}
+
+check_cppcheck() {
+  configure build-cppcheck &&
+    cppcheck --project=build-cppcheck/compile_commands.json -j "$jobs" --quiet \
+      --enable=warning,performance,portability --inline-suppr --error-exitcode=1 \
+      --suppress='*:/usr/*' --suppress='*:build-cppcheck/*' \
+      --suppress=internalAstError --suppress=unknownMacro --suppress=syntaxError
+}
+
+check_format() {
+  git ls-files '*.cc' '*.h' '*.c' '*.inc' | xargs clang-format --dry-run -Werror
+}
+
+# shellcheck disable=SC2086  # a list of words
+require_packages $check_packages || exit 2
+failed=0
+for name in "${@:-${all[@]}}"; do
+  if ! declare -F "check_$name" >/dev/null; then
+    echo "no check is called $name; known are ${all[*]}" >&2
+    exit 2
+  fi
+  mkdir -p "build-$name"
+  if "check_$name" >"build-$name/check.log" 2>&1; then
+    echo "$name: passed"
+  else
+    tail -n 20 "build-$name/check.log" >&2
+    echo "$name: failed, see build-$name/check.log"
+    failed=1
+  fi
+done
+exit $failed
