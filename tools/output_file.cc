@@ -28,7 +28,7 @@ void onSignal(int number) {
 std::string resolved(const std::string& path) {
   char* real = realpath(path.c_str(), nullptr);
   if (real == nullptr) return path;
-  const std::string result = real;
+  std::string result = real;
   free(real);
   return result;
 }
@@ -76,7 +76,7 @@ void OutputFile::openBeside() {
   const int descriptor = mkostemp(name.data(), O_CLOEXEC);
   const int error = errno;
   if (descriptor >= 0) {
-    strcpy(unfinished, name.c_str());
+    memcpy(unfinished, name.c_str(), name.size() + 1);
     haveUnfinished = 1;
     temporary_ = name;
   }

@@ -130,7 +130,7 @@ void TestCard::paintText(float left, float top, float cell, const std::string& t
   const auto letters = [&](float x, float y) {
     const int column = static_cast<int>(std::floor((x - left) / cell));
     const int row = static_cast<int>(std::floor((y - top) / cell));
-    if (column < 0 || row < 0 || row >= kFontRows) return 0.0f;
+    if (column < 0 || row < 0 || static_cast<float>(row) >= kFontRows) return 0.0f;
     const size_t letter = static_cast<size_t>(column) / 6;
     return letter < text.size() && glyphBit(text[letter], column % 6, row) ? 1.0f
                                                                            : 0.0f;
