@@ -49,9 +49,9 @@ void fill(uint8_t* to, size_t size, Input* input) {
 
 int Input::extent(int limit) {
   const int kind = byte(), fine = byte();
-  if (kind < 160) return fine % (limit < 40 ? limit + 1 : 40);
-  if (kind < 230) return (kind % 8 * 32 + fine % 5) % (limit + 1);
-  return (kind % 16 * 256 + fine) % (limit + 1);
+  if (kind < 200) return fine % (limit < 20 ? limit + 1 : 20);
+  if (kind < 250) return (kind % 4 * 32 + fine % 8) % (limit + 1);
+  return (kind % 8 * 256 + fine) % (limit + 1);
 }
 
 void finding(const char* name, const char* what, const ImageStruct& dst,

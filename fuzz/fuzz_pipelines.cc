@@ -55,7 +55,7 @@ int expected(const void* context, ImageStruct* d, ImageStruct* s) {
 
 // The side of a frame, even unless it is meant to be refused.
 uint32_t side(fuzz::Input* input, bool hostile) {
-  if (!hostile) return 2 + static_cast<uint32_t>(input->extent(300) / 2 * 2);
+  if (!hostile) return 2 + static_cast<uint32_t>(input->extent(140) / 2 * 2);
   return input->word() >> (input->below(2) * 8) & 0xFFFF;
 }
 
