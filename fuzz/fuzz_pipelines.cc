@@ -59,19 +59,24 @@ uint32_t side(fuzz::Input* input, bool hostile) {
   return input->word() >> (input->below(2) * 8) & 0xFFFF;
 }
 
-fuzz::Frame frame(fuzz::Input* input, int hostile) {
-  const uint32_t format = hostile & 1 ? input->word() : kFormats[input->byte() % 10];
-  uint32_t w = side(input, hostile & 2), h = side(input, hostile & 4);
+// A whole frame, made smaller until it is small enough.
+fuzz::Frame whole(uint32_t format, uint32_t w, uint32_t h, uint32_t gap = 0) {
   size_t bytes = zelmFrameLayout(format, w, h).size;
   while (bytes > kLargest) {
     (w > h ? w : h) /= 4;
     w += w & 1, h += h & 1;
     bytes = zelmFrameLayout(format, w, h).size;
   }
+  return {zelmWholeFrame(format, w, h, nullptr), (bytes < 4 ? 4 : bytes) + gap, 1, 0};
+}
+
+fuzz::Frame frame(fuzz::Input* input, int hostile) {
+  const uint32_t format = hostile & 1 ? input->word() : kFormats[input->byte() % 10];
+  uint32_t w = side(input, hostile & 2), h = side(input, hostile & 4);
   const uint32_t gap =
       input->below(4) == 0 ? static_cast<uint32_t>(input->below(9)) : 0;
-  fuzz::Frame f{zelmWholeFrame(format, w, h, nullptr), (bytes < 4 ? 4 : bytes) + gap, 1,
-                0};
+  fuzz::Frame f = whole(format, w, h, gap);
+  w = f.record.width, h = f.record.height;
   ImageStruct& r = f.record;
   r.uvOffset += gap;
   if (hostile & 8) {
@@ -140,9 +145,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   if (wrong >> 3 & 1 && !refusedByCheck(&s)) {  // where equal regions matter
     const bool turned = wrong >> 4 & 1;
     const uint32_t w = turned ? s.height : s.width, h = turned ? s.width : s.height;
-    const uint32_t format = dst.record.format;
-    const size_t needed = zelmFrameLayout(format, w, h).size;
-    dst = {zelmWholeFrame(format, w, h, nullptr), needed < 4 ? 4 : needed, 1, 0};
+    dst = whole(dst.record.format, w, h);
     if (wrong >> 5 & 1) {
       ImageStruct& d = dst.record;
       d.roiX = turned ? s.roiY : s.roiX;
@@ -153,9 +156,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   }
   if (call.pipeline == 1) {  // nothing is checked there
     if (dst.record.format != FORMAT_YUV420SPVU) {
-      const uint32_t w = dst.record.width, h = dst.record.height;
-      dst = {zelmWholeFrame(FORMAT_YUV420SPVU, w, h, nullptr),
-             zelmFrameLayout(FORMAT_YUV420SPVU, w, h).size, 1, 0};
+      dst = whole(FORMAT_YUV420SPVU, dst.record.width, dst.record.height);
     }
     if (refusedByCheck(&src.record) || refusedByCheck(&dst.record)) return 0;
     if (wrong >> 6 == 3) dst.record.format = kFormats[input.below(10)];
