@@ -52,17 +52,18 @@ struct RgbBytes {
 };
 
 // First and second chroma bytes, and left and right pixels, in registers of their own.
-// With S = sums of two rows, left pixels see 2 S - 512 and right ones S + S[next] - 512;
-// the factor 2 is left to the coefficients.
+// With S = sums of two rows, left pixels see 2 S - 512 and right ones S + S[next] -
+// 512; the factor 2 is left to the coefficients.
 class RgbKernel {
  public:
   HWY_INLINE explicit RgbKernel(const ChromaRows& chroma)
       : chroma_(chroma),
         own_{vdup_n_u8(chroma.loneFirst ? 2 : 1), vdup_n_u8(chroma.loneFirst ? 1 : 2)},
         other_{vdup_n_u8(!chroma.loneFirst), vdup_n_u8(chroma.loneFirst)} {
-    const int first = chroma.uFirst ? 0 : 1;
-    rb_[first] = 14516, rb_[1 - first] = 11485;
-    g_[first] = -5638, g_[1 - first] = -11700;
+    const int16_t uFirst[8] = {2 * 14516, 14516, 2 * -5638,  -5638,
+                               2 * 11485, 11485, 2 * -11700, -11700};
+    weights_[0] = vld1_s16(uFirst + (chroma.uFirst ? 0 : 4));
+    weights_[1] = vld1_s16(uFirst + (chroma.uFirst ? 4 : 0));
   }
 
   // Reads one pair further.
@@ -73,7 +74,7 @@ class RgbKernel {
     const uint8x8x2_t otherNext = vld2_u8(chroma_.other + at + 2);
     const uint8x8x2_t y = vld2_u8(luma + at);
     int16x8_t left[2], right[2];
-    uint8x16_t rb[2];
+    Vec<U8> rb[2];
     for (int i = 0; i < 2; ++i) {
       const uint16x8_t middle = vdupq_n_u16(256);
       const uint16x8_t sum = vsubq_u16(
@@ -82,36 +83,39 @@ class RgbKernel {
       right[i] = vreinterpretq_s16_u16(
           vmlal_u8(vmlal_u8(vsubq_u16(sum, middle), ownNext.val[i], own_[i]),
                    otherNext.val[i], other_[i]));
-      rb[i] = inTurn(plus(y.val[0], vqrdmulhq_n_s16(left[i], twice(rb_[i]))),
-                     plus(y.val[1], vqrdmulhq_n_s16(right[i], rb_[i])));
+      rb[i] = inTurn(plus(y.val[0], vqrdmulhq_lane_s16(left[i], weights_[i], 0)),
+                     plus(y.val[1], vqrdmulhq_lane_s16(right[i], weights_[i], 1)));
     }
-    const Vec<U8> g{inTurn(plus(y.val[0], green(left, twice(g_[0]), twice(g_[1]))),
-                           plus(y.val[1], green(right, g_[0], g_[1])))};
-    if (chroma_.uFirst) return {Vec<U8>{rb[1]}, g, Vec<U8>{rb[0]}};
-    return {Vec<U8>{rb[0]}, g, Vec<U8>{rb[1]}};
+    const Vec<U8> g =
+        inTurn(plus(y.val[0], green<2>(left)), plus(y.val[1], green<3>(right)));
+    if (chroma_.uFirst) return {rb[1], g, rb[0]};
+    return {rb[0], g, rb[1]};
   }
 
  private:
-  static HWY_INLINE int16_t twice(int16_t n) { return static_cast<int16_t>(2 * n); }
   static HWY_INLINE uint8x8_t plus(uint8x8_t y, int16x8_t difference) {
     const uint16x8_t sum = vaddw_u8(vreinterpretq_u16_s16(difference), y);
     return vqmovun_s16(vreinterpretq_s16_u16(sum));
   }
-  static HWY_INLINE int16x8_t green(const int16x8_t (&c)[2], int16_t g0, int16_t g1) {
-    const int32x4_t low = vmlal_n_s16(vmull_n_s16(vget_low_s16(c[0]), g0),
-                                      vget_low_s16(c[1]), g1);
-    const int32x4_t high = vmlal_n_s16(vmull_n_s16(vget_high_s16(c[0]), g0),
-                                       vget_high_s16(c[1]), g1);
+  template <int kWeight>
+  HWY_INLINE int16x8_t green(const int16x8_t (&c)[2]) const {
+    const int32x4_t low =
+        vmlal_lane_s16(vmull_lane_s16(vget_low_s16(c[0]), weights_[0], kWeight),
+                       vget_low_s16(c[1]), weights_[1], kWeight);
+    const int32x4_t high =
+        vmlal_lane_s16(vmull_lane_s16(vget_high_s16(c[0]), weights_[0], kWeight),
+                       vget_high_s16(c[1]), weights_[1], kWeight);
     return vcombine_s16(vrshrn_n_s32(low, 16), vrshrn_n_s32(high, 16));
   }
-  static HWY_INLINE uint8x16_t inTurn(uint8x8_t left, uint8x8_t right) {
+  static HWY_INLINE Vec<U8> inTurn(uint8x8_t left, uint8x8_t right) {
     const uint8x8x2_t both = vzip_u8(left, right);
-    return vcombine_u8(both.val[0], both.val[1]);
+    return Vec<U8>{vcombine_u8(both.val[0], both.val[1])};
   }
 
-  const ChromaRows& chroma_;
+  const ChromaRows chroma_;      // a copy, which no store can change
   uint8x8_t own_[2], other_[2];  // weights of rows for first and second bytes
-  int16_t rb_[2], g_[2];         // coefficients of right pixels
+  // Of first and second bytes: for R or B left and right, for G left and right.
+  int16x4_t weights_[2];
 };
 #elif ZELM_VECTORS
 // kBytes pixels: G in order, R and B as pairs of left and of right pixels.
