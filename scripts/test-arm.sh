@@ -25,6 +25,7 @@ for target in "$@"; do
     # Joined by CMake to the flags of the toolchain file.
     export CFLAGS="-fsanitize=address,undefined -fno-sanitize-recover=all"
     export CXXFLAGS=$CFLAGS
+    export ZELM_TEST_STEP=17
     export ASAN_OPTIONS=detect_leaks=0  # needs ptrace, which the emulator has not
   fi
   cmake -S . -B "$build" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/$toolchain.cmake" \

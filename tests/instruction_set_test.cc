@@ -53,7 +53,7 @@ namespace {
 
 // In the order of InstructionSet.
 [[maybe_unused]] const char* const names[] = {"plain code", "SSE4", "AVX2", "AVX-512",
-                             "AVX-512 with VBMI"};
+                                              "AVX-512 with VBMI"};
 [[maybe_unused]] constexpr InstructionSet kCeiling = InstructionSet::ZELM_TEST_CEILING;
 
 std::string kernelRuns() { return ZELM_KERNEL(compiledFor)(); }

@@ -45,7 +45,79 @@ HWY_INLINE uint8_t clampToByte(int value) {
   return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
-#if ZELM_VECTORS
+#if ZELM_VECTORS && HWY_TARGET == HWY_NEON
+// 16 pixels in order.
+struct RgbBytes {
+  Vec<U8> r, g, b;
+};
+
+// First and second chroma bytes, and left and right pixels, in registers of their own.
+// With S = sums of two rows, left pixels see 2 S - 512 and right ones S + S[next] -
+// 512; the factor 2 is left to the coefficients.
+class RgbKernel {
+ public:
+  HWY_INLINE explicit RgbKernel(const ChromaRows& chroma)
+      : chroma_(chroma),
+        own_{vdup_n_u8(chroma.loneFirst ? 2 : 1), vdup_n_u8(chroma.loneFirst ? 1 : 2)},
+        other_{vdup_n_u8(!chroma.loneFirst), vdup_n_u8(chroma.loneFirst)} {
+    const int16_t uFirst[8] = {2 * 14516, 14516, 2 * -5638,  -5638,
+                               2 * 11485, 11485, 2 * -11700, -11700};
+    weights_[0] = vld1_s16(uFirst + (chroma.uFirst ? 0 : 4));
+    weights_[1] = vld1_s16(uFirst + (chroma.uFirst ? 4 : 0));
+  }
+
+  // Reads one pair further.
+  HWY_INLINE RgbBytes pixels(const uint8_t* luma, size_t at) const {
+    const uint8x8x2_t own = vld2_u8(chroma_.own + at);
+    const uint8x8x2_t other = vld2_u8(chroma_.other + at);
+    const uint8x8x2_t ownNext = vld2_u8(chroma_.own + at + 2);
+    const uint8x8x2_t otherNext = vld2_u8(chroma_.other + at + 2);
+    const uint8x8x2_t y = vld2_u8(luma + at);
+    int16x8_t left[2], right[2];
+    Vec<U8> rb[2];
+    for (int i = 0; i < 2; ++i) {
+      const uint16x8_t middle = vdupq_n_u16(256);
+      const uint16x8_t sum = vsubq_u16(
+          vmlal_u8(vmull_u8(own.val[i], own_[i]), other.val[i], other_[i]), middle);
+      left[i] = vreinterpretq_s16_u16(sum);
+      right[i] = vreinterpretq_s16_u16(
+          vmlal_u8(vmlal_u8(vsubq_u16(sum, middle), ownNext.val[i], own_[i]),
+                   otherNext.val[i], other_[i]));
+      rb[i] = inTurn(plus(y.val[0], vqrdmulhq_lane_s16(left[i], weights_[i], 0)),
+                     plus(y.val[1], vqrdmulhq_lane_s16(right[i], weights_[i], 1)));
+    }
+    const Vec<U8> g =
+        inTurn(plus(y.val[0], green<2>(left)), plus(y.val[1], green<3>(right)));
+    if (chroma_.uFirst) return {rb[1], g, rb[0]};
+    return {rb[0], g, rb[1]};
+  }
+
+ private:
+  static HWY_INLINE uint8x8_t plus(uint8x8_t y, int16x8_t difference) {
+    const uint16x8_t sum = vaddw_u8(vreinterpretq_u16_s16(difference), y);
+    return vqmovun_s16(vreinterpretq_s16_u16(sum));
+  }
+  template <int kWeight>
+  HWY_INLINE int16x8_t green(const int16x8_t (&c)[2]) const {
+    const int32x4_t low =
+        vmlal_lane_s16(vmull_lane_s16(vget_low_s16(c[0]), weights_[0], kWeight),
+                       vget_low_s16(c[1]), weights_[1], kWeight);
+    const int32x4_t high =
+        vmlal_lane_s16(vmull_lane_s16(vget_high_s16(c[0]), weights_[0], kWeight),
+                       vget_high_s16(c[1]), weights_[1], kWeight);
+    return vcombine_s16(vrshrn_n_s32(low, 16), vrshrn_n_s32(high, 16));
+  }
+  static HWY_INLINE Vec<U8> inTurn(uint8x8_t left, uint8x8_t right) {
+    const uint8x8x2_t both = vzip_u8(left, right);
+    return Vec<U8>{vcombine_u8(both.val[0], both.val[1])};
+  }
+
+  const ChromaRows chroma_;      // a copy, which no store can change
+  uint8x8_t own_[2], other_[2];  // weights of rows for first and second bytes
+  // Of first and second bytes: for R or B left and right, for G left and right.
+  int16x4_t weights_[2];
+};
+#elif ZELM_VECTORS
 // kBytes pixels: G in order, R and B as pairs of left and of right pixels.
 struct RgbBytes {
   Vec<U8> rbLeft, rbRight, g;
@@ -174,6 +246,8 @@ struct Rgba8888 {
     for (size_t v = 0; v < 4; ++v) {
       store(pixelBytes<'R', 'G', 'B', 'A'>(c, v), to + v * kBytes);
     }
+#elif HWY_TARGET == HWY_NEON
+    hn::StoreInterleaved4(c.r, c.g, c.b, hn::Set(u8, 255), u8, to);
 #else
     const Vec<U8> alpha = hn::Set(u8, 255), g = splitTwice(c.g);
     const Vec<U16> left = asU16(splitTwice(c.rbLeft));
@@ -204,6 +278,8 @@ struct Rgb888 {
     for (size_t v = 0; v < 3; ++v) {
       store(pixelBytes<'R', 'G', 'B'>(c, v), to + v * kBytes);
     }
+#elif HWY_TARGET == HWY_NEON
+    hn::StoreInterleaved3(c.r, c.g, c.b, u8, to);
 #else
     // Each of three blocks takes R and B of some left and some right pixels, and G.
     constexpr uint8_t z = 128;
@@ -240,6 +316,13 @@ struct Rgb565 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
+#if HWY_TARGET == HWY_NEON
+    // The upper bits of B, of G below it and of R below that.
+    const uint8x16_t r = vshrq_n_u8(c.r.raw, 3);
+    const Vec<U8> low{vsliq_n_u8(r, vshrq_n_u8(c.g.raw, 2), 5)};
+    const Vec<U8> high{vsriq_n_u8(c.b.raw, c.g.raw, 5)};
+    hn::StoreInterleaved2(low, high, u8, to);
+#else
     // R in the lower, B in the upper byte; G in the upper byte of another word.
     const auto words = [&](Vec<U8> rb, Vec<U8> g0) HWY_ATTR {
       const Vec<U16> r = hn::And(hn::ShiftRight<3>(asU16(rb)), hn::Set(u16, 0x001F));
@@ -261,6 +344,7 @@ struct Rgb565 {
     store(words(asU8(hn::InterleaveUpper(u16, left, right)),
                 hn::InterleaveUpper(u8, zero, g)),
           to + kBytes);
+#endif
 #endif
   }
 #endif
