@@ -85,11 +85,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   try {
     const zelm_tool::Options options =
         zelm_tool::parseOptions(static_cast<int>(arguments.size()), pointers.data());
-    const std::string& command = arguments[1];
     if (options.command == Command::kTestcard) {
       check(options.testcard.frames > 0, "no frame");
     }
-    check(options.command != Command::kNone || command != "", "nothing was asked for");
+    bool asked = false;  // for help or the version
+    for (const std::string& argument : arguments) asked |= argument[0] == '-';
+    check(options.command != Command::kNone || asked, "nothing was asked for");
   } catch (const zelm_tool::Failure& failure) {
     check(failure.what()[0] != '\0', "an empty message");
   }

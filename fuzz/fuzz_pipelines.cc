@@ -55,23 +55,28 @@ int expected(const void* context, ImageStruct* d, ImageStruct* s) {
 
 // The side of a frame, even unless it is meant to be refused.
 uint32_t side(fuzz::Input* input, bool hostile) {
-  if (!hostile) return 2 + static_cast<uint32_t>(input->extent(300) / 2 * 2);
+  if (!hostile) return 2 + static_cast<uint32_t>(input->extent(140) / 2 * 2);
   return input->word() >> (input->below(2) * 8) & 0xFFFF;
 }
 
-fuzz::Frame frame(fuzz::Input* input, int hostile) {
-  const uint32_t format = hostile & 1 ? input->word() : kFormats[input->byte() % 10];
-  uint32_t w = side(input, hostile & 2), h = side(input, hostile & 4);
+// A whole frame, made smaller until it is small enough.
+fuzz::Frame whole(uint32_t format, uint32_t w, uint32_t h, uint32_t gap = 0) {
   size_t bytes = zelmFrameLayout(format, w, h).size;
   while (bytes > kLargest) {
     (w > h ? w : h) /= 4;
     w += w & 1, h += h & 1;
     bytes = zelmFrameLayout(format, w, h).size;
   }
+  return {zelmWholeFrame(format, w, h, nullptr), (bytes < 4 ? 4 : bytes) + gap, 1, 0};
+}
+
+fuzz::Frame frame(fuzz::Input* input, int hostile) {
+  const uint32_t format = hostile & 1 ? input->word() : kFormats[input->byte() % 10];
+  uint32_t w = side(input, hostile & 2), h = side(input, hostile & 4);
   const uint32_t gap =
       input->below(4) == 0 ? static_cast<uint32_t>(input->below(9)) : 0;
-  fuzz::Frame f{zelmWholeFrame(format, w, h, nullptr), (bytes < 4 ? 4 : bytes) + gap, 1,
-                0};
+  fuzz::Frame f = whole(format, w, h, gap);
+  w = f.record.width, h = f.record.height;
   ImageStruct& r = f.record;
   r.uvOffset += gap;
   if (hostile & 8) {
@@ -93,10 +98,13 @@ fuzz::Frame frame(fuzz::Input* input, int hostile) {
   return f;
 }
 
-bool refusedByCheck(ImageStruct record) {
+// Otherwise the region is rounded, as checkStruct leaves it.
+bool refusedByCheck(ImageStruct* record) {
   static uint8_t sample;
-  record.data = &sample;
-  return reference::checkStruct(&record) != RESULT_OK;
+  record->data = &sample;
+  const int code = reference::checkStruct(record);
+  record->data = nullptr;
+  return code != RESULT_OK;
 }
 
 }  // namespace
@@ -131,15 +139,13 @@ int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   refused = errors % 8 == 3 ? 1 + input.below(4) : 0;
   // Most records are valid, and most of the others wrong in one respect.
   const int wrong = input.byte();
-  const auto src = frame(&input, wrong % 8 == 1 ? input.byte() : 0);
+  auto src = frame(&input, wrong % 8 == 1 ? input.byte() : 0);
   auto dst = frame(&input, wrong % 8 == 2 ? input.byte() : 0);
-  const ImageStruct& s = src.record;
-  if (wrong >> 3 & 1 && !refusedByCheck(s)) {  // where equal regions matter
+  ImageStruct s = src.record;
+  if (wrong >> 3 & 1 && !refusedByCheck(&s)) {  // where equal regions matter
     const bool turned = wrong >> 4 & 1;
     const uint32_t w = turned ? s.height : s.width, h = turned ? s.width : s.height;
-    const uint32_t format = dst.record.format;
-    const size_t needed = zelmFrameLayout(format, w, h).size;
-    dst = {zelmWholeFrame(format, w, h, nullptr), needed < 4 ? 4 : needed, 1, 0};
+    dst = whole(dst.record.format, w, h);
     if (wrong >> 5 & 1) {
       ImageStruct& d = dst.record;
       d.roiX = turned ? s.roiY : s.roiX;
@@ -150,11 +156,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   }
   if (call.pipeline == 1) {  // nothing is checked there
     if (dst.record.format != FORMAT_YUV420SPVU) {
-      const uint32_t w = dst.record.width, h = dst.record.height;
-      dst = {zelmWholeFrame(FORMAT_YUV420SPVU, w, h, nullptr),
-             zelmFrameLayout(FORMAT_YUV420SPVU, w, h).size, 1, 0};
+      dst = whole(FORMAT_YUV420SPVU, dst.record.width, dst.record.height);
     }
-    if (refusedByCheck(src.record) || refusedByCheck(dst.record)) return 0;
+    if (refusedByCheck(&src.record) || refusedByCheck(&dst.record)) return 0;
     if (wrong >> 6 == 3) dst.record.format = kFormats[input.below(10)];
   }
   fuzz::compare("pipeline", &call, product, expected, dst, src, &input);

@@ -11,10 +11,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   using harness::Fit;
   // Long one way or the other, so that no image is large.
   const bool wide = input.byte() % 2 == 0;
-  const int w = input.extent(wide ? 2100 : 36), h = input.extent(wide ? 12 : 300);
+  const int w = input.extent(wide ? 2050 : 20), h = input.extent(wide ? 8 : 150);
   harness::Size region{w, h}, other{input.below(3), input.below(3)};
   if (fit == Fit::kScaledSamples || fit == Fit::kScaledPairs) {
-    other = {1 + input.extent(wide ? 2100 : 36), 1 + input.extent(wide ? 12 : 300)};
+    other = {1 + input.extent(wide ? 2050 : 20), 1 + input.extent(wide ? 8 : 150)};
   } else if (fit == Fit::kSame || fit == Fit::kFrame || fit == Fit::kTiles) {
     region = {w / 2 * 2, h / 2 * 2};
     if (fit != Fit::kSame) region = {region.w + 2, region.h + 2};

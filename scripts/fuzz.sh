@@ -3,8 +3,8 @@
 #   scripts/fuzz.sh [--memory] [--keep] [SECONDS [TARGET...]]
 #   --memory  with the memory sanitizer instead of those for addresses and undefined
 #             behaviour; the targets that need nothing of the program
-#   --keep    adds what was found, as few and as small files as give the same coverage,
-#             to fuzz/corpus, up to 40 KB per target
+#   --keep    puts what was found, of the fewest and smallest files with the same coverage
+#             up to 150 and 40 KB per target, into fuzz/corpus
 #   SECONDS   for each target; 60 unless given
 # Prints a table; exit status 1 when anything was found. The inputs that did it are left
 # in build-fuzz*/findings. Installs missing packages as root.
@@ -54,14 +54,16 @@ statistic() {
 
 # minimise TARGET: the corpus in the repository from that in the build folder.
 minimise() {
-  local target=$1 small=$build/small/$1 total=0 file size
+  local target=$1 small=$build/small/$1 total=0 count=0 every file size
   rm -rf "$small"
   mkdir -p "$small"
   "$build/fuzz/$target" -merge=1 -rss_limit_mb=4096 "$small" "fuzz/corpus/$target" \
     "$build/corpus/$target" >"$build/$target.merge.log" 2>&1 || return 0
   rm -rf "fuzz/corpus/$target"
   mkdir -p "fuzz/corpus/$target"
+  every=$(($(find "$small" -type f | wc -l) / 150 + 1))
   while read -r size file; do
+    [ $((count++ % every)) -eq 0 ] || continue
     total=$((total + size))
     [ $total -gt 40000 ] && break
     cp "$file" "fuzz/corpus/$target/"

@@ -19,20 +19,23 @@ for target in "$@"; do
     armv7-plain) toolchain=armv7-neon vectors=OFF runs="runs with plain code" ;;
     *) echo "$0: no target '$target'" >&2; exit 2 ;;
   esac
-  build=build-$target type=Release flags=
+  build=build-$target type=Release
   if [ -n "${SANITIZE:-}" ]; then
     build+=-sanitize type=RelWithDebInfo
-    flags="-fsanitize=address,undefined -fno-sanitize-recover=all"
+    # Joined by CMake to the flags of the toolchain file.
+    export CFLAGS="-fsanitize=address,undefined -fno-sanitize-recover=all"
+    export CXXFLAGS=$CFLAGS
+    export ASAN_OPTIONS=detect_leaks=0  # needs ptrace, which the emulator has not
   fi
   cmake -S . -B "$build" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/$toolchain.cmake" \
     -DCMAKE_BUILD_TYPE=$type -DZELM_VECTORS=$vectors \
-    ${flags:+"-DZELM_SANITIZE=$flags"} -DZELM_BUILD_TOOL=OFF -DZELM_BUILD_TESTS=ON
+    -DZELM_BUILD_TOOL=OFF -DZELM_BUILD_TESTS=ON
   cmake --build "$build" -j "$(nproc)"
   note=$(ctest --test-dir "$build" -V -R InstructionSet.Choice |
-    sed -n 's/.*\[   NOTE   \] //p')
+    sed -n 's/.*\[   NOTE   \] //p') || true
   echo "$target: $note"
   if [[ $note != *"$runs" ]]; then
-    echo "$target: expected is code that $runs" >&2
+    echo "$target: should be code that $runs" >&2
     exit 1
   fi
   ctest --test-dir "$build" --no-tests=error --output-on-failure -j "$(nproc)"

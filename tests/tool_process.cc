@@ -61,6 +61,8 @@ int ToolTest::waitFor(pid_t child) {
   return status;
 }
 
+std::string ToolTest::errors() const { return contents(errors_); }
+
 ToolResult ToolTest::run(const Args& args, const std::string& input) {
   store(folder_ + ".in", input);
   const int in = open((folder_ + ".in").c_str(), O_RDONLY | O_CLOEXEC);

@@ -33,6 +33,7 @@ class ToolTest : public ::testing::Test {
   // Starts the program with these descriptors as standard input and output.
   pid_t start(const Args& args, int in, int out);
   static int waitFor(pid_t child);  // the wait status
+  std::string errors() const;       // standard error of the last one
 
   std::string path(const std::string& name) const { return folder_ + "/" + name; }
   std::string load(const std::string& name) const;

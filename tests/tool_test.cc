@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <png.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -306,6 +307,66 @@ TEST_F(ToolTest, DamagedY4mIsRefused) {
   expectRefusal(args, "6x4 would do", "YUV4MPEG2 W7 H4\nFRAME\n");
   expectRefusal(args, "no width", "YUV4MPEG2 W99999999999999999999 H4\nFRAME\n");
   expectRefusal(args, "cut short", "YUV4MPEG2 W65534 H32768\nFRAME\nabc");
+}
+
+// Whatever a header or a stream claims, no more memory is taken than what arrives
+// needs.
+TEST_F(ToolTest, HostileFilesAndStreams) {
+  const std::string huge = "YUV4MPEG2 W65534 H65534\nFRAME\n";
+  save("huge.y4m", huge + "abc");
+  save("ok.y4m", smallY4m());
+  save("file", "");
+  const std::string zeros = "/dev/zero";
+  const std::vector<std::pair<Args, std::string>> cases = {
+      {{"convert", "huge.y4m", "x.nv12"}, ""},
+      {{"convert", "huge.y4m", "x.y4m", "--crop", "0,0,8x8"}, "cut short"},
+      {{"rotate", "huge.y4m", "x.y4m", "--angle", "90"}, ""},
+      {{"convert", "huge.y4m", "--md5", "--crop", "0,0,8x8"}, "cut short"},
+      {{"convert", "file", "x.nv12", "--from", "nv21", "--size", "65534x65534"}, ""},
+      {{"convert", "file", "x.nv12", "--from", "tiled", "--size", "65534x65534",
+        "--crop", "0,0,8x8"},
+       "too large"},
+      {{"convert", zeros, "x.y4m", "--from", "y4m"}, "is no Y4M stream"},
+      {{"convert", zeros, "/dev/full", "--from", "nv12", "--size", "64x48", "--to",
+        "y4m"},
+       "No space"},
+      {{"convert", "ok.y4m", "file/x.y4m"}, "Not a directory"},
+      {{"convert", "file/x.y4m", "x.y4m"}, "Not a directory"},
+      {{"convert", zeros, "/proc/x.y4m", "--from", "nv12", "--size", "8x8"},
+       "cannot be written"}};
+  for (const auto& [args, words] : cases) expectRefusal(args, words);
+  expectRefusal({"convert", "-", "x.y4m"}, "longer than",
+                "YUV4MPEG2 W8 H4\nFRAME" + std::string(100000, '\0'));
+  // An endless input is read as far as it is asked for.
+  EXPECT_EQ(runOk({"convert", zeros, "-", "--from", "nv12", "--size", "8x4", "--to",
+                   "gray", "--skip", "3", "--frames", "2"}),
+            std::string(64, '\0'));
+  rusage children;
+  ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &children), 0);
+  EXPECT_LT(children.ru_maxrss, 200 * 1024);
+}
+
+// The pipe is full while the file loses its second half.
+TEST_F(ToolTest, FileThatShrinksWhileItIsRead) {
+  const long frame = 640 * 480 * 3 / 2, frames = 20;
+  save("in.nv12", "");
+  ASSERT_EQ(truncate(path("in.nv12").c_str(), frames * frame), 0);
+  int output[2];
+  ASSERT_EQ(pipe2(output, O_CLOEXEC), 0);
+  const int none = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  const pid_t child =
+      start({"convert", "in.nv12", "-", "--size", "640x480", "--to", "nv21"}, none,
+            output[1]);
+  close(output[1]);
+  std::string taken(4096, '\0');
+  ASSERT_GT(read(output[0], taken.data(), taken.size()), 0);
+  ASSERT_EQ(truncate(path("in.nv12").c_str(), frames * frame / 2 + 1000), 0);
+  while (read(output[0], taken.data(), taken.size()) > 0) {
+  }
+  const int status = waitFor(child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << status;
+  EXPECT_NE(errors().find("cut short"), std::string::npos) << errors();
+  for (int descriptor : {output[0], none}) close(descriptor);
 }
 
 TEST_F(ToolTest, NamesLinksAndEarlierFiles) {

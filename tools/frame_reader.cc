@@ -31,6 +31,9 @@ FrameReader::FrameReader(const InputOptions& options)
   } else {
     openRaw(options);
   }
+  if (zelmFrameLayout(format_->code, size_.width, size_.height).size == 0) {
+    fail(name(), ": frames of ", size_, ' ', format_->name, " are too large");
+  }
   planes_ = filePlanes(*format_, size_, Layout::kSource);
   frame_ = std::make_unique<Frame>(format_->code, size_);
 }
