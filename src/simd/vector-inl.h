@@ -335,8 +335,7 @@ HWY_INLINE Vec<I16> alternate(int even, int odd) {
 HWY_INLINE Vec<I16> subtractWhereLess(Vec<I16> v, Vec<I16> a, Vec<I16> b,
                                       Vec<I16> amount) {
 #if HWY_TARGET == HWY_AVX3
-  return Vec<I16>{
-      _mm512_mask_sub_epi16(v.raw, hn::Lt(a, b).raw, v.raw, amount.raw)};
+  return Vec<I16>{_mm512_mask_sub_epi16(v.raw, hn::Lt(a, b).raw, v.raw, amount.raw)};
 #else
   return hn::Sub(v, hn::IfThenElseZero(hn::Lt(a, b), amount));
 #endif
