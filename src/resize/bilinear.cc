@@ -86,15 +86,10 @@ class VectorColumns {
 
   template <class TapOf>
   VectorColumns(const TapOf& tapOfByte, size_t rowBytes, size_t bytes) : bytes_(bytes) {
-    for (size_t v = 0; v < vectorsFor(bytes); ++v) {
-      for (size_t half = 0; half < 2; ++half) {
-        for (size_t group = 0; group < kGroups; ++group) {
-          findGroup(&half_[2 * v + half], group, rowBytes, [&](size_t lane) HWY_ATTR {
-            return tapOfByte(vectorStart(v, bytes) + byteOfLane(half, lane));
-          });
-        }
-      }
-    }
+    forEachGroup(bytes, [&](size_t h, size_t group, const auto& byteOf) HWY_ATTR {
+      findGroup(&half_[h], group, rowBytes,
+                [&](size_t lane) HWY_ATTR { return tapOfByte(byteOf(lane)); });
+    });
   }
 
   HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {

@@ -189,6 +189,19 @@ HWY_INLINE size_t vectorStart(size_t vector, size_t bytes) {
   return start + kBytes <= bytes ? start : bytes - kBytes;
 }
 
+// Calls body(h, group, byteOf) for every group of every half h of the vectors that
+// cover `bytes` bytes; byteOf(lane) is the byte of the row that a lane of the half
+// makes.
+template <class Body>
+HWY_INLINE void forEachGroup(size_t bytes, const Body& body) {
+  for (size_t h = 0; h < 2 * vectorsFor(bytes); ++h) {
+    const size_t start = vectorStart(h / 2, bytes);
+    const auto byteOf = [=](size_t lane)
+                            HWY_ATTR { return start + byteOfLane(h % 2, lane); };
+    for (size_t group = 0; group < kGroups; ++group) body(h, group, byteOf);
+  }
+}
+
 #endif  // ZELM_VECTORS
 
 // Lets a scaler make its destination in strips of at most `stripBytes` bytes of every

@@ -41,7 +41,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 using U8 = hn::ScalableTag<uint8_t>;
 using U16 = hn::ScalableTag<uint16_t>;
 using U32 = hn::ScalableTag<uint32_t>;
-using U64 = hn::ScalableTag<uint64_t>;
 using I8 = hn::ScalableTag<int8_t>;
 using I16 = hn::ScalableTag<int16_t>;
 using I32 = hn::ScalableTag<int32_t>;
@@ -52,7 +51,6 @@ using Vec = hn::VFromD<D>;
 constexpr U8 u8;
 constexpr U16 u16;
 constexpr U32 u32;
-constexpr U64 u64;
 constexpr I8 i8;
 constexpr I16 i16;
 constexpr I32 i32;
@@ -120,7 +118,6 @@ HWY_INLINE Vec<U8> loadBlocks(const From& from) {
 // packSignedInBlocks  int16 to int8, limited to -128..127
 // narrowInBlocks   int32 to int16, limited
 // pairSums         sums of neighbouring bytes
-// pairDifferences  second minus first of neighbouring bytes
 // pairProducts8    a0 * b0 + a1 * b1 of neighbouring bytes; b is signed
 // pairProducts     a0 * b0 + a1 * b1 of neighbouring int16
 // joinBlocks       undoes the order that a pack of two vectors leaves
@@ -136,9 +133,6 @@ HWY_INLINE hn::Vec128<int8_t> packSignedInBlocks(hn::Vec128<int16_t> a,
 }
 HWY_INLINE hn::Vec128<uint16_t> pairSums(hn::Vec128<uint8_t> v) {
   return hn::Vec128<uint16_t>{_mm_maddubs_epi16(v.raw, _mm_set1_epi8(1))};
-}
-HWY_INLINE hn::Vec128<int16_t> pairDifferences(hn::Vec128<uint8_t> v) {
-  return hn::Vec128<int16_t>{_mm_maddubs_epi16(v.raw, _mm_set1_epi16(0x01FF))};
 }
 HWY_INLINE hn::Vec128<int16_t> pairProducts8(hn::Vec128<uint8_t> a,
                                              hn::Vec128<int8_t> b) {
@@ -161,9 +155,6 @@ HWY_INLINE hn::Vec256<int8_t> packSignedInBlocks(hn::Vec256<int16_t> a,
 }
 HWY_INLINE hn::Vec256<uint16_t> pairSums(hn::Vec256<uint8_t> v) {
   return hn::Vec256<uint16_t>{_mm256_maddubs_epi16(v.raw, _mm256_set1_epi8(1))};
-}
-HWY_INLINE hn::Vec256<int16_t> pairDifferences(hn::Vec256<uint8_t> v) {
-  return hn::Vec256<int16_t>{_mm256_maddubs_epi16(v.raw, _mm256_set1_epi16(0x01FF))};
 }
 HWY_INLINE hn::Vec256<int16_t> pairProducts8(hn::Vec256<uint8_t> a,
                                              hn::Vec256<int8_t> b) {
@@ -190,9 +181,6 @@ HWY_INLINE hn::Vec512<int8_t> packSignedInBlocks(hn::Vec512<int16_t> a,
 HWY_INLINE hn::Vec512<uint16_t> pairSums(hn::Vec512<uint8_t> v) {
   return hn::Vec512<uint16_t>{_mm512_maddubs_epi16(v.raw, _mm512_set1_epi8(1))};
 }
-HWY_INLINE hn::Vec512<int16_t> pairDifferences(hn::Vec512<uint8_t> v) {
-  return hn::Vec512<int16_t>{_mm512_maddubs_epi16(v.raw, _mm512_set1_epi16(0x01FF))};
-}
 HWY_INLINE hn::Vec512<int16_t> pairProducts8(hn::Vec512<uint8_t> a,
                                              hn::Vec512<int8_t> b) {
   return hn::Vec512<int16_t>{_mm512_maddubs_epi16(a.raw, b.raw)};
@@ -216,9 +204,6 @@ HWY_INLINE Vec<I8> packSignedInBlocks(Vec<I16> a, Vec<I16> b) {
   return Vec<I8>{vcombine_s8(vqmovn_s16(a.raw), vqmovn_s16(b.raw))};
 }
 HWY_INLINE Vec<U16> pairSums(Vec<U8> v) { return Vec<U16>{vpaddlq_u8(v.raw)}; }
-HWY_INLINE Vec<I16> pairDifferences(Vec<U8> v) {
-  return asI16(hn::Sub(highBytes(v), lowBytes(v)));
-}
 HWY_INLINE Vec<I16> pairProducts8(Vec<U8> a, Vec<I8> b) {
   const Vec<I16> even = asI16(hn::ShiftLeft<8>(asI16(b)));
   return hn::Add(hn::Mul(asI16(lowBytes(a)), hn::ShiftRight<8>(even)),
