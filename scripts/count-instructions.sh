@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Counts the instructions that each stage and libyuv's way to do the same execute for one
-# frame on 32-bit Arm and on AArch64, in an emulator, and prints a table.
+# frame on 32-bit Arm and on AArch64, in an emulator, and prints a table, in thousands.
 #   scripts/count-instructions.sh [REGEX]    only rows whose name contains a match
 # libyuv is built from Debian's source package with its own vector code. Installs missing
 # packages as root.
@@ -68,9 +68,10 @@ table() {
       count[$1, $2, $3] = $4 }
     function part(target, row,  ours, peer, ratio) {
       ours = count[target, row, "ours"]; peer = count[target, row, "libyuv"]
-      if (peer == "") return sprintf(" %d | | |", ours)
+      if (peer == "") return sprintf(" %.1f | | |", ours / 1000)
       ratio = sprintf("%.2f", ours / peer)
-      return sprintf(" %d | %d | %s |", ours, peer, remark[row] ? "(" ratio ")" : ratio)
+      return sprintf(" %.1f | %.1f | %s |", ours / 1000, peer / 1000,
+                     remark[row] ? "(" ratio ")" : ratio)
     }
     END {
       print "| Step and size | 32-bit | libyuv | ratio | AArch64 | libyuv | ratio |"

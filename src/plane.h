@@ -4,8 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
+#include "simd/copy.h"
 #include "zelm_imageutil.h"
 
 namespace zelm {
@@ -62,7 +62,7 @@ inline RowSpan joinRows(const Region& to, const Region& from, size_t rows,
 inline void copyRows(const Region& to, const Region& from, size_t rows, size_t bytes) {
   const RowSpan span = joinRows(to, from, rows, bytes);
   for (size_t y = 0; y < span.rows; ++y) {
-    std::memcpy(to.row(y), from.row(y), span.bytes);
+    copyBytes(to.row(y), from.row(y), span.bytes);
   }
 }
 

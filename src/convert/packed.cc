@@ -71,7 +71,78 @@ uint8_t centred(int c) {
                                      : 128 - ((-c + 2048) >> 14));
 }
 
-#if ZELM_VECTORS
+// Sums of products are kept as 256 h + l with both in 16 bits; l carries into h once,
+// rounded down: Y = (h + l / 256) / 64. Factors in that form:
+//   Y: 4897 = 19 * 256 + 33, 9611 = 38 * 256 - 117, 1876 = 7 * 256 + 84
+//   V: 8192 = 32 * 256, -6860 = -27 * 256 + 52, -1332 = -5 * 256 - 52
+//   U: -2765 = -11 * 256 + 51, -5427 = -21 * 256 - 51, 8192 = 32 * 256
+// and 2048 = 8 * 256. Rounding chroma away from zero is (C + 2048) >> 14 for positive
+// and (C - 1 + 2048 + 48 * 256) >> 14 for negative sums; 128 and the 2048 are 8200 in
+// h.
+#if ZELM_NEON
+// 8 pixels.
+struct RgbLanes {
+  uint8x8_t r, g, b;
+};
+
+// Each field is moved to the top of a byte, and its top bits are put in below it.
+HWY_INLINE RgbLanes load565(const uint8_t* from) {
+  const uint16x8_t word = vreinterpretq_u16_u8(vld1q_u8(from));
+  const uint8x8_t r = vshrn_n_u16(word, 8), g = vshrn_n_u16(word, 3);
+  const uint8x8_t b = vmovn_u16(vshlq_n_u16(word, 3));
+  return {vsri_n_u8(r, r, 5), vsri_n_u8(g, g, 6), vsri_n_u8(b, b, 5)};
+}
+
+HWY_INLINE int16x8_t product(uint8x8_t a, uint8_t factor) {
+  return vreinterpretq_s16_u16(vmull_u8(a, vdup_n_u8(factor)));
+}
+HWY_INLINE int16x8_t plusProduct(int16x8_t sum, uint8x8_t a, uint8_t factor) {
+  return vreinterpretq_s16_u16(
+      vmlal_u8(vreinterpretq_u16_s16(sum), a, vdup_n_u8(factor)));
+}
+HWY_INLINE int16x8_t minusProduct(int16x8_t sum, uint8x8_t a, uint8_t factor) {
+  return vreinterpretq_s16_u16(
+      vmlsl_u8(vreinterpretq_u16_s16(sum), a, vdup_n_u8(factor)));
+}
+
+HWY_INLINE uint8x8_t lumaOf(const RgbLanes& c) {
+  int16x8_t high = vdupq_n_s16(8);
+  high = plusProduct(plusProduct(plusProduct(high, c.r, 19), c.g, 38), c.b, 7);
+  const int16x8_t low = minusProduct(plusProduct(product(c.r, 33), c.b, 84), c.g, 117);
+  return vreinterpret_u8_s8(vshrn_n_s16(vsraq_n_s16(high, low, 8), 6));
+}
+
+// C = 256 high + low, with 8200 in high.
+HWY_INLINE uint8x8_t centred(int16x8_t high, int16x8_t low) {
+  const int16x8_t sum = vsraq_n_s16(high, low, 8);
+  const int16x8_t negative = vreinterpretq_s16_u16(vcltq_s16(sum, vdupq_n_s16(8200)));
+  const int16x8_t lower = vsraq_n_s16(high, vaddq_s16(low, negative), 8);
+  return vreinterpret_u8_s8(
+      vshrn_n_s16(vaddq_s16(lower, vandq_s16(negative, vdupq_n_s16(48))), 6));
+}
+
+HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
+  vst1_u8(luma, lumaOf(a));
+  vst1_u8(luma + 8, lumaOf(b));
+}
+
+// Of the first pixel of each two.
+HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
+  const uint8x8_t red = vuzp_u8(a.r, b.r).val[0], green = vuzp_u8(a.g, b.g).val[0];
+  const uint8x8_t blue = vuzp_u8(a.b, b.b).val[0];
+  const auto difference = [](uint8x8_t x, uint8x8_t y) HWY_ATTR {
+    return vreinterpretq_s16_u16(vsubl_u8(x, y));
+  };
+  const int16x8_t middle = vdupq_n_s16(8200);
+  const int16x8_t v =
+      minusProduct(minusProduct(plusProduct(middle, red, 32), green, 27), blue, 5);
+  const int16x8_t u =
+      minusProduct(minusProduct(plusProduct(middle, blue, 32), red, 11), green, 21);
+  const uint8x8x2_t vu = {{centred(v, vmulq_n_s16(difference(green, blue), 52)),
+                           centred(u, vmulq_n_s16(difference(red, green), 51))}};
+  vst2_u8(chroma, vu);
+}
+#elif ZELM_VECTORS
 // Two 8-bit values per 16-bit lane: R below G, and B below a constant factor.
 struct RgbLanes {
   Vec<U8> rg, b1;
@@ -101,10 +172,7 @@ HWY_INLINE Vec<I8> weights(int evenFirst, int evenSecond, int oddFirst, int oddS
                                      asI16(weights(evenFirst, evenSecond))));
 }
 
-// Sums of products are kept as 256 h + l with both in 16 bits; l carries into h once,
-// rounded down. Y = (h + l / 256) / 64, with 2048 = 8 * 256 in h.
 HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
-  // 4897 = 19 * 256 + 33, 9611 = 38 * 256 - 117, 1876 = 7 * 256 + 84, 2048 = 8 * 256
   const Vec<I16> high =
       hn::Add(pairProducts8(c.rg, weights(19, 38)), pairProducts8(c.b1, weights(7, 0)));
   const Vec<I16> low = hn::Add(pairProducts8(c.rg, weights(33, -117)),
@@ -113,16 +181,12 @@ HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
   return asU16(hn::ShiftRight<6>(hn::Add(rounded, hn::ShiftRight<8>(low))));
 }
 
-// Chroma of the even lanes: V in even lanes, U in odd ones. Rounding away from zero is
-// (C + 2048) >> 14 for positive and (C - 1 + 2048 + 48 * 256) >> 14 for negative sums.
+// Chroma of the even lanes: V in even lanes, U in odd ones.
 HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
   alignas(16) static constexpr uint8_t kEvenLanes[16] = {0, 1, 0, 1, 4,  5,  4,  5,
                                                          8, 9, 8, 9, 12, 13, 12, 13};
   const Vec<U8> rg = pickInBlocks(c.rg, everyBlock(kEvenLanes));
   const Vec<U8> b1 = pickInBlocks(c.b1, everyBlock(kEvenLanes));
-  // V: 8192 = 32 * 256, -6860 = -27 * 256 + 52, -1332 = -5 * 256 - 52
-  // U: -2765 = -11 * 256 + 51, -5427 = -21 * 256 - 51, 8192 = 32 * 256
-  // and 128 * 64 + 8 = 8200 = 200 * 41, for the result's offset and the rounding.
   constexpr int kOffset = 41;
   static_assert(kConstant * kOffset == 128 * 64 + 8, "offset and rounding");
   const Vec<I16> high = hn::Add(pairProducts8(rg, weights(32, -27, -11, -21)),
@@ -135,14 +199,20 @@ HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
   const Vec<I16> lower = hn::Add(high, hn::ShiftRight<8>(hn::Add(low, negative)));
   return asU16(hn::ShiftRight<6>(hn::Add(lower, hn::And(negative, hn::Set(i16, 48)))));
 }
+
+HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
+  store(pack(lumaOf(a), lumaOf(b)), luma);
+}
+HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
+  store(pack(chromaOf(a), chromaOf(b)), chroma);
+}
 #endif  // ZELM_VECTORS
 
 void rgb565LumaRow(uint8_t* luma, const uint8_t* from, size_t pixels) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = inBlocks(pixels, kBytes, [&](size_t x) HWY_ATTR {
-    store(pack(lumaOf(load565(from + 2 * x)), lumaOf(load565(from + 2 * x + kBytes))),
-          luma + x);
+    putLuma(luma + x, load565(from + 2 * x), load565(from + 2 * x + kBytes));
   });
 #endif
   for (size_t x = done; x < pixels; ++x) luma[x] = lumaOf(unpack565(from + 2 * x));
@@ -154,8 +224,8 @@ void rgb565Row(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t pixel
 #if ZELM_VECTORS
   done = 2 * inBlocks(pixels / 2, kBytes / 2, [&](size_t j) HWY_ATTR {
            const RgbLanes a = load565(from + 4 * j), b = load565(from + 4 * j + kBytes);
-           store(pack(lumaOf(a), lumaOf(b)), luma + 2 * j);
-           store(pack(chromaOf(a), chromaOf(b)), chroma + 2 * j);
+           putLuma(luma + 2 * j, a, b);
+           putChroma(chroma + 2 * j, a, b);
          });
 #endif
   for (size_t x = done; x < pixels; ++x) {

@@ -17,7 +17,17 @@ namespace HWY_NAMESPACE {
 void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
                   size_t pairs) {
   size_t done = 0;
-#if ZELM_VECTORS
+#if ZELM_NEON
+  done = inMovingBlocks(
+      pairs, 64,
+      [&]() HWY_ATTR {
+        for (int k = 0; k < 4; ++k) {
+          const uint8x16_t a = take16(first), b = take16(second);
+          putPairs(to, {{a, b}});
+        }
+      },
+      [&](size_t n) HWY_ATTR { first -= n, second -= n, to -= 2 * n; });
+#elif ZELM_VECTORS
   done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
     hn::StoreInterleaved2(load(first + j), load(second + j), u8, to + 2 * j);
   });
@@ -37,7 +47,7 @@ HWY_AFTER_NAMESPACE();
 extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const size_t luma = static_cast<size_t>(src->height) * src->width;
-  std::memcpy(dst->data, src->data, luma);
+  copyBytes(dst->data, src->data, luma);
   const uint8_t* first = src->data + src->uvOffset;
   ZELM_KERNEL(joinPairsRow)
   (dst->data + dst->uvOffset, first, first + luma / 4, luma / 4);

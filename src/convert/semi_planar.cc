@@ -16,7 +16,18 @@ namespace HWY_NAMESPACE {
 
 void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   size_t done = 0;
-#if ZELM_VECTORS
+#if ZELM_NEON
+  done = inMovingBlocks(
+      bytes, 128,
+      [&]() HWY_ATTR {
+        for (int k = 0; k < 4; ++k) {
+          uint8x16x2_t v = take32(from);
+          for (uint8x16_t& pairs : v.val) pairs = vrev16q_u8(pairs);
+          put32(to, v);
+        }
+      },
+      [&](size_t n) HWY_ATTR { from -= n, to -= n; });
+#elif ZELM_VECTORS
   done = inBlocks(bytes, 2 * kBytes, [&](size_t i) HWY_ATTR {
     const Vec<U8> a = swapPairs(load(from + i)), b = swapPairs(load(from + i + kBytes));
     store(a, to + i);
@@ -44,7 +55,18 @@ void exchangePairsRow(uint8_t* row, size_t bytes) {
 
 void splitPairsRow(uint8_t* first, uint8_t* second, const uint8_t* from, size_t pairs) {
   size_t done = 0;
-#if ZELM_VECTORS
+#if ZELM_NEON
+  done = inMovingBlocks(
+      pairs, 64,
+      [&]() HWY_ATTR {
+        for (int k = 0; k < 4; ++k) {
+          const uint8x16x2_t split = takePairs(from);
+          put16(first, split.val[0]);
+          put16(second, split.val[1]);
+        }
+      },
+      [&](size_t n) HWY_ATTR { from -= 2 * n, first -= n, second -= n; });
+#elif ZELM_VECTORS
   done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
     const SplitPairs split = loadPairs(from + 2 * j);
     store(split.first, first + j);
@@ -91,7 +113,7 @@ void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   const size_t height = dst.height, pairs = dst.width / 2, rows = height / 2;
   const size_t lumaStride = roundUpTo16(dst.width);
   const size_t chromaStride = roundUpTo16(lumaStride / 2);
-  std::memcpy(dst.data, src.data, static_cast<size_t>(src.height) * src.width);
+  copyBytes(dst.data, src.data, static_cast<size_t>(src.height) * src.width);
 
   const auto splitRow = ZELM_KERNEL(splitPairsRow);
   uint8_t* first = dst.data + height * lumaStride;

@@ -136,15 +136,63 @@ class VectorColumns {
     }
     table->picks.place(group, lowest, rowBytes);
     for (size_t i = 0; i < kLanes; ++i) {
-      const size_t lane = group * kLanes + i;
+      const size_t left = leftPlace(group * kLanes + i), right = left + kRightPlace;
       const unsigned weight = taps[i].weight;
       const bool alone = weight % 256 == 0;
-      table->picks.set(2 * lane, weight == 256 ? taps[i].right : taps[i].left);
-      table->picks.set(2 * lane + 1, weight == 0 ? taps[i].left : taps[i].right);
-      table->weights[2 * lane] = static_cast<uint8_t>(alone ? 128 : 256 - weight);
-      table->weights[2 * lane + 1] = static_cast<uint8_t>(alone ? 128 : weight);
+      table->picks.set(left, weight == 256 ? taps[i].right : taps[i].left);
+      table->picks.set(right, weight == 0 ? taps[i].left : taps[i].right);
+      table->weights[left] = static_cast<uint8_t>(alone ? 128 : 256 - weight);
+      table->weights[right] = static_cast<uint8_t>(alone ? 128 : weight);
     }
   }
+
+#if ZELM_NEON
+  // Products of unsigned bytes are at hand, so rows are kept as H, and halves of picks
+  // are the left and the right samples.
+  static constexpr size_t kRightPlace = 8;
+  static size_t leftPlace(size_t lane) { return lane; }
+
+  HWY_INLINE Vec<I16> filter(size_t h, const uint8_t* from) const {
+    const uint8x16_t samples = half_[h].picks.pick(from).raw;
+    const uint8x16_t weights = vld1q_u8(half_[h].weights);
+    const uint16x8_t left = vmull_u8(vget_low_u8(samples), vget_low_u8(weights));
+    return Vec<I16>{vreinterpretq_s16_u16(
+        vmlal_u8(left, vget_high_u8(samples), vget_high_u8(weights)))};
+  }
+
+  template <class LoadRows>
+  HWY_INLINE void blendHalves(uint8_t* to, unsigned weight,
+                              const LoadRows& loadRows) const {
+    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
+    if (weight == 0) {
+      for (size_t v = 0; v < vectors; ++v) {
+        Vec<I16> a[2], unused;
+        for (size_t h = 0; h < 2; ++h) loadRows(2 * v + h, &a[h], &unused);
+        store(roundedUpperBytes(asU16(a[0]), asU16(a[1])), to + vectorStart(v, bytes));
+      }
+      return;
+    }
+    const uint16x4_t weights =
+        vset_lane_u16(static_cast<uint16_t>(256 - weight),
+                      vdup_n_u16(static_cast<uint16_t>(weight)), 0);
+    const auto blend = [&](size_t h) HWY_ATTR {
+      Vec<I16> upper, lower;
+      loadRows(h, &upper, &lower);
+      const uint16x8_t a = asU16(upper).raw, b = asU16(lower).raw;
+      const uint32x4_t low = vmlal_lane_u16(vmull_lane_u16(vget_low_u16(a), weights, 0),
+                                            vget_low_u16(b), weights, 1);
+      const uint32x4_t high = vmlal_lane_u16(
+          vmull_lane_u16(vget_high_u16(a), weights, 0), vget_high_u16(b), weights, 1);
+      return roundedUpperHalves(Vec<U32>{low}, Vec<U32>{high});
+    };
+    for (size_t v = 0; v < vectors; ++v) {
+      const Vec<U16> first = blend(2 * v), second = blend(2 * v + 1);
+      store(packInBlocks(asI16(first), asI16(second)), to + vectorStart(v, bytes));
+    }
+  }
+#else
+  static constexpr size_t kRightPlace = 1;
+  static size_t leftPlace(size_t lane) { return 2 * lane; }
 
   HWY_INLINE Vec<I16> filter(size_t h, const uint8_t* from) const {
     const Half& table = half_[h];
@@ -168,6 +216,7 @@ class VectorColumns {
       storeUpperBytes(blend(2 * v), blend(2 * v + 1), to + vectorStart(v, bytes));
     }
   }
+#endif  // ZELM_NEON
 
   size_t bytes_;
   Half half_[2 * kStripBytes / kBytes];

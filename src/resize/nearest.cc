@@ -103,7 +103,7 @@ struct Scaler : Planes {
       uint8_t* row = to.row(y) + first;
       const size_t source = down.nearest(y);
       if (source == previous) {
-        std::memcpy(row, row - to.stride, bytes);
+        copyBytes(row, row - to.stride, bytes);
       } else {
         const uint8_t* next = from.row(down.nearest(y + 1));
         columns.pickRow(row, from.row(source), reducing ? next : nullptr);

@@ -61,7 +61,7 @@ class Picks {
   // which one is next.
   HWY_INLINE void prefetch(const uint8_t* row) const {
     __builtin_prefetch(row + begin_[0][0]);
-    __builtin_prefetch(row + begin_[kPieces - 1][kGroups - 1]);
+    if (kBytes > 16) __builtin_prefetch(row + begin_[kPieces - 1][kGroups - 1]);
   }
 #if ZELM_VBMI
   HWY_INLINE void set(size_t i, size_t position) {
@@ -95,8 +95,10 @@ class Picks {
   }
 
   HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
-    Vec<U8> result = pickFrom(row, 0);
-    for (size_t p = 1; p < kPieces; ++p) result = hn::Or(result, pickFrom(row, p));
+    Vec<U8> result = pickInBlocks(piece(row, 0), load(index_[0]));
+    for (size_t p = 1; p < kPieces; ++p) {
+      result = pickBeside(result, piece(row, p), load(index_[p]));
+    }
     return result;
   }
 #endif
@@ -107,10 +109,8 @@ class Picks {
 #else
   static constexpr uint8_t kNoByte = 128;  // for a shuffle: 0
 
-  HWY_INLINE Vec<U8> pickFrom(const uint8_t* row, size_t p) const {
-    const Vec<U8> piece =
-        loadBlocks([&](size_t block) HWY_ATTR { return row + begin_[p][block]; });
-    return pickInBlocks(piece, load(index_[p]));
+  HWY_INLINE Vec<U8> piece(const uint8_t* row, size_t p) const {
+    return loadBlocks([&](size_t block) HWY_ATTR { return row + begin_[p][block]; });
   }
 
   alignas(64) uint8_t index_[kPieces][kBytes];

@@ -52,7 +52,19 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
 
 #else
 
-#define ZELM_KERNEL(name) (&HWY_NAMESPACE::name)
+namespace zelm {
+
+// The compiler is not to know which function it is: inlined into the loop over rows a
+// kernel would have to share its registers.
+template <class Kernel>
+Kernel* asFunction(Kernel* kernel) {
+  asm("" : "+r"(kernel));
+  return kernel;
+}
+
+}  // namespace zelm
+
+#define ZELM_KERNEL(name) asFunction(&HWY_NAMESPACE::name)
 
 #endif
 

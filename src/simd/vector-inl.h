@@ -18,6 +18,8 @@
 #include "hwy/highway.h"
 #endif
 
+#include "simd/copy.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
@@ -88,13 +90,38 @@ HWY_INLINE Vec<U8> everyBlock(const uint8_t (&bytes)[16]) {
 
 // Bytes picked by an index of 0 to 15, or 0 where the index is 128.
 HWY_INLINE Vec<U8> pickInBlocks(Vec<U8> v, Vec<U8> index) {
+#if HWY_ARCH_ARM_V7
+  uint8x16_t picked;
+  asm("vtbl.8 %e0, {%e1, %f1}, %e2\n\tvtbl.8 %f0, {%e1, %f1}, %f2"
+      : "=&w"(picked)
+      : "w"(v.raw), "w"(index.raw));
+  return Vec<U8>{picked};
+#else
   return hn::TableLookupBytesOr0(v, index);
+#endif
+}
+// The same, but `others` where the index is 128; these have 0 in all other places.
+HWY_INLINE Vec<U8> pickBeside(Vec<U8> others, Vec<U8> v, Vec<U8> index) {
+#if HWY_ARCH_ARM_V7
+  asm("vtbx.8 %e0, {%e1, %f1}, %e2\n\tvtbx.8 %f0, {%e1, %f1}, %f2"
+      : "+&w"(others.raw)
+      : "w"(v.raw), "w"(index.raw));
+  return others;
+#elif HWY_TARGET == HWY_NEON
+  return Vec<U8>{vqtbx1q_u8(others.raw, v.raw, index.raw)};
+#else
+  return hn::Or(others, pickInBlocks(v, index));
+#endif
 }
 
 HWY_INLINE Vec<U8> swapPairs(Vec<U8> v) {
+#if HWY_TARGET == HWY_NEON
+  return Vec<U8>{vrev16q_u8(v.raw)};
+#else
   alignas(16) static constexpr uint8_t kSwap[16] = {1, 0, 3,  2,  5,  4,  7,  6,
                                                     9, 8, 11, 10, 13, 12, 15, 14};
   return pickInBlocks(v, everyBlock(kSwap));
+#endif
 }
 
 // 16-byte pieces from different places side by side, block b from from(b).
@@ -197,11 +224,44 @@ HWY_INLINE hn::Vec512<uint8_t> joinBlocks(hn::Vec512<uint8_t> v) {
 
 #elif HWY_TARGET == HWY_NEON
 
+// Two halves of a register are written in place: with intrinsics the compiler for
+// 32-bit Arm computes them elsewhere and moves them.
 HWY_INLINE Vec<U8> packInBlocks(Vec<I16> a, Vec<I16> b) {
-  return Vec<U8>{vcombine_u8(vqmovun_s16(a.raw), vqmovun_s16(b.raw))};
+#if HWY_ARCH_ARM_V7
+  uint8x16_t both;
+  asm("vqmovun.s16 %e0, %q1\n\tvqmovun.s16 %f0, %q2"
+      : "=&w"(both)
+      : "w"(a.raw), "w"(b.raw));
+  return Vec<U8>{both};
+#else
+  return Vec<U8>{vqmovun_high_s16(vqmovun_s16(a.raw), b.raw)};
+#endif
 }
 HWY_INLINE Vec<I8> packSignedInBlocks(Vec<I16> a, Vec<I16> b) {
   return Vec<I8>{vcombine_s8(vqmovn_s16(a.raw), vqmovn_s16(b.raw))};
+}
+// The upper halves of lanes, rounded; a's, then b's.
+HWY_INLINE Vec<U16> roundedUpperHalves(Vec<U32> a, Vec<U32> b) {
+#if HWY_ARCH_ARM_V7
+  uint16x8_t both;
+  asm("vrshrn.i32 %e0, %q1, #16\n\tvrshrn.i32 %f0, %q2, #16"
+      : "=&w"(both)
+      : "w"(a.raw), "w"(b.raw));
+  return Vec<U16>{both};
+#else
+  return Vec<U16>{vrshrn_high_n_u32(vrshrn_n_u32(a.raw, 16), b.raw, 16)};
+#endif
+}
+HWY_INLINE Vec<U8> roundedUpperBytes(Vec<U16> a, Vec<U16> b) {
+#if HWY_ARCH_ARM_V7
+  uint8x16_t both;
+  asm("vrshrn.i16 %e0, %q1, #8\n\tvrshrn.i16 %f0, %q2, #8"
+      : "=&w"(both)
+      : "w"(a.raw), "w"(b.raw));
+  return Vec<U8>{both};
+#else
+  return Vec<U8>{vrshrn_high_n_u16(vrshrn_n_u16(a.raw, 8), b.raw, 8)};
+#endif
 }
 HWY_INLINE Vec<U16> pairSums(Vec<U8> v) { return Vec<U16>{vpaddlq_u8(v.raw)}; }
 HWY_INLINE Vec<I16> pairProducts8(Vec<U8> a, Vec<I8> b) {
