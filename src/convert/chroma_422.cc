@@ -6,6 +6,7 @@
 
 #include "plane.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -22,7 +23,7 @@ HWY_INLINE Vec<U8> meanRoundedDown(Vec<U8> a, Vec<U8> b) {
 #endif
 
 // Pairs keep their order, or are exchanged.
-template <bool kSwap>
+template <bool kSwap, bool kStream>
 HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
                           const uint8_t* next, size_t bytes) {
   size_t done = 0;
@@ -51,8 +52,8 @@ HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
       a = swapPairs(a);
       b = swapPairs(b);
     }
-    store(a, even + i);
-    store(meanRoundedDown(a, b), odd + i);
+    store<kStream>(a, even + i);
+    store<kStream>(meanRoundedDown(a, b), odd + i);
   });
 #endif
   for (size_t i = done; i < bytes; ++i) {
@@ -63,13 +64,15 @@ HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
 }
 
 void expandRowKept(uint8_t* even, uint8_t* odd, const uint8_t* row, const uint8_t* next,
-                   size_t bytes) {
-  expandRow<false>(even, odd, row, next, bytes);
+                   size_t bytes, bool stream) {
+  (stream ? expandRow<false, true> : expandRow<false, false>)(even, odd, row, next,
+                                                              bytes);
 }
 
 void expandRowSwapped(uint8_t* even, uint8_t* odd, const uint8_t* row,
-                      const uint8_t* next, size_t bytes) {
-  expandRow<true>(even, odd, row, next, bytes);
+                      const uint8_t* next, size_t bytes, bool stream) {
+  (stream ? expandRow<true, true> : expandRow<true, false>)(even, odd, row, next,
+                                                            bytes);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -82,7 +85,7 @@ namespace zelm {
 namespace {
 
 using ExpandRow = void(uint8_t* even, uint8_t* odd, const uint8_t* row,
-                       const uint8_t* next, size_t bytes);
+                       const uint8_t* next, size_t bytes, bool stream);
 
 void expandFrame(const ImageStruct& dst, const ImageStruct& src, ExpandRow* expand) {
   const Region luma = lumaRegion(src), lumaTo = lumaRegion(dst);
@@ -92,11 +95,13 @@ void expandFrame(const ImageStruct& dst, const ImageStruct& src, ExpandRow* expa
   const Region chroma = chromaRegion(src);
   Region to = lumaTo;
   to.origin += dst.uvOffset;
+  const bool stream = worthStreaming(7 * luma.rows * luma.columns / 2);
   for (size_t k = 0; k < chroma.rows; ++k) {
     const uint8_t* row = chroma.row(k);
     const uint8_t* next = k + 1 < chroma.rows ? chroma.row(k + 1) : row;
-    expand(to.row(2 * k), to.row(2 * k + 1), row, next, 2 * chroma.columns);
+    expand(to.row(2 * k), to.row(2 * k + 1), row, next, 2 * chroma.columns, stream);
   }
+  if (stream) finishStreaming();
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include "plane.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -21,11 +22,12 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-void uyvyLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) {
+template <bool kStream>
+HWY_INLINE void splitLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = inBlocks(groups, kBytes / 2, [&](size_t j) HWY_ATTR {
-    store(loadPairs(from + 4 * j).second, luma + 2 * j);
+    store<kStream>(loadPairs(from + 4 * j).second, luma + 2 * j);
   });
 #endif
   for (size_t j = done; j < groups; ++j) {
@@ -34,13 +36,15 @@ void uyvyLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) {
   }
 }
 
-void uyvyRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t groups) {
+template <bool kStream>
+HWY_INLINE void splitRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from,
+                         size_t groups) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = inBlocks(groups, kBytes / 2, [&](size_t j) HWY_ATTR {
     const SplitPairs split = loadPairs(from + 4 * j);
-    store(split.second, luma + 2 * j);
-    store(swapPairs(split.first), chroma + 2 * j);
+    store<kStream>(split.second, luma + 2 * j);
+    store<kStream>(swapPairs(split.first), chroma + 2 * j);
   });
 #endif
   for (size_t j = done; j < groups; ++j) {
@@ -49,6 +53,14 @@ void uyvyRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t groups)
     chroma[2 * j] = from[4 * j + 2];
     chroma[2 * j + 1] = from[4 * j];
   }
+}
+
+void uyvyLumaRow(uint8_t* luma, const uint8_t* from, size_t groups, bool stream) {
+  (stream ? splitLumaRow<true> : splitLumaRow<false>)(luma, from, groups);
+}
+void uyvyRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t groups,
+             bool stream) {
+  (stream ? splitRow<true> : splitRow<false>)(luma, chroma, from, groups);
 }
 
 struct Rgb {
@@ -263,10 +275,12 @@ extern "C" void convYUV422IUYVY_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
   const auto convertRow = ZELM_KERNEL(uyvyRow);
   const auto convertLumaRow = ZELM_KERNEL(uyvyLumaRow);
   const size_t groups = from.columns / 2;
+  const bool stream = worthStreaming(7 * from.rows * groups);
   for (size_t k = 0; k < from.rows / 2; ++k) {
-    convertRow(luma.row(2 * k), chroma.row(k), from.row(2 * k), groups);
-    convertLumaRow(luma.row(2 * k + 1), from.row(2 * k + 1), groups);
+    convertRow(luma.row(2 * k), chroma.row(k), from.row(2 * k), groups, stream);
+    convertLumaRow(luma.row(2 * k + 1), from.row(2 * k + 1), groups, stream);
   }
+  if (stream) finishStreaming();
 }
 
 extern "C" void convRGB565_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {

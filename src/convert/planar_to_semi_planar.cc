@@ -6,6 +6,7 @@
 
 #include "plane.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -14,8 +15,9 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
-                  size_t pairs) {
+template <bool kStream>
+HWY_INLINE void joinPairs(uint8_t* to, const uint8_t* first, const uint8_t* second,
+                          size_t pairs) {
   size_t done = 0;
 #if ZELM_NEON
   done = inMovingBlocks(
@@ -29,13 +31,19 @@ void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
       [&](size_t n) HWY_ATTR { first -= n, second -= n, to -= 2 * n; });
 #elif ZELM_VECTORS
   done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
-    hn::StoreInterleaved2(load(first + j), load(second + j), u8, to + 2 * j);
+    const Vec<U8> a = splitBlocks(load(first + j)), b = splitBlocks(load(second + j));
+    store<kStream>(hn::InterleaveLower(u8, a, b), to + 2 * j);
+    store<kStream>(hn::InterleaveUpper(u8, a, b), to + 2 * j + kBytes);
   });
 #endif
   for (size_t j = done; j < pairs; ++j) {
     to[2 * j] = first[j];
     to[2 * j + 1] = second[j];
   }
+}
+void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
+                  size_t pairs, bool stream) {
+  (stream ? joinPairs<true> : joinPairs<false>)(to, first, second, pairs);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -49,7 +57,9 @@ extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   const size_t luma = static_cast<size_t>(src->height) * src->width;
   copyBytes(dst->data, src->data, luma);
   const uint8_t* first = src->data + src->uvOffset;
+  const bool stream = worthStreaming(3 * luma);
   ZELM_KERNEL(joinPairsRow)
-  (dst->data + dst->uvOffset, first, first + luma / 4, luma / 4);
+  (dst->data + dst->uvOffset, first, first + luma / 4, luma / 4, stream);
+  if (stream) finishStreaming();
 }
 #endif  // HWY_ONCE

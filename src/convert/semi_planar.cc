@@ -6,6 +6,7 @@
 #include "convert/semi_planar.h"
 #include "plane.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -53,7 +54,9 @@ void exchangePairsRow(uint8_t* row, size_t bytes) {
   }
 }
 
-void splitPairsRow(uint8_t* first, uint8_t* second, const uint8_t* from, size_t pairs) {
+template <bool kStream>
+HWY_INLINE void splitPairs(uint8_t* first, uint8_t* second, const uint8_t* from,
+                           size_t pairs) {
   size_t done = 0;
 #if ZELM_NEON
   done = inMovingBlocks(
@@ -69,14 +72,18 @@ void splitPairsRow(uint8_t* first, uint8_t* second, const uint8_t* from, size_t 
 #elif ZELM_VECTORS
   done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
     const SplitPairs split = loadPairs(from + 2 * j);
-    store(split.first, first + j);
-    store(split.second, second + j);
+    store<kStream>(split.first, first + j);
+    store<kStream>(split.second, second + j);
   });
 #endif
   for (size_t j = done; j < pairs; ++j) {
     first[j] = from[2 * j];
     second[j] = from[2 * j + 1];
   }
+}
+void splitPairsRow(uint8_t* first, uint8_t* second, const uint8_t* from, size_t pairs,
+                   bool stream) {
+  (stream ? splitPairs<true> : splitPairs<false>)(first, second, from, pairs);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -119,14 +126,16 @@ void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   uint8_t* first = dst.data + height * lumaStride;
   uint8_t* second = first + height * chromaStride / 2;
   const uint8_t* from = src.data + src.uvOffset;
+  const bool stream = worthStreaming(3 * height * dst.width);
   if (chromaStride == pairs) {
-    splitRow(first, second, from, rows * pairs);
-    return;
+    splitRow(first, second, from, rows * pairs, stream);
+  } else {
+    for (size_t k = 0; k < rows; ++k) {
+      splitRow(first + k * chromaStride, second + k * chromaStride,
+               from + k * 2 * pairs, pairs, stream);
+    }
   }
-  for (size_t k = 0; k < rows; ++k) {
-    splitRow(first + k * chromaStride, second + k * chromaStride, from + k * 2 * pairs,
-             pairs);
-  }
+  if (stream) finishStreaming();
 }
 
 }  // namespace

@@ -269,6 +269,9 @@ HWY_INLINE Vec<U8> pixelBytes(const RgbBytes& c, size_t v) {
 }
 #endif
 
+constexpr size_t kAhead =
+    3072;  // how far bytes to be written are asked for, where it pays
+
 struct Rgba8888 {
   static constexpr size_t kPixelBytes = 4;
   static HWY_INLINE void put(uint8_t* to, uint8_t r, uint8_t g, uint8_t b) {
@@ -281,6 +284,7 @@ struct Rgba8888 {
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
 #if ZELM_VBMI
     for (size_t v = 0; v < 4; ++v) {
+      prefetchForWriting(to + v * kBytes + kAhead);
       store(pixelBytes<'R', 'G', 'B', 'A'>(c, v), to + v * kBytes);
     }
 #elif HWY_TARGET == HWY_NEON
@@ -325,6 +329,7 @@ struct Rgb888 {
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
 #if ZELM_VBMI
     for (size_t v = 0; v < 3; ++v) {
+      prefetchForWriting(to + v * kBytes + kAhead);
       store(pixelBytes<'R', 'G', 'B'>(c, v), to + v * kBytes);
     }
 #elif HWY_TARGET == HWY_NEON

@@ -84,7 +84,10 @@ HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
   interleaveHalves(b, a);
   interleaveHalves(a, b);
   interleaveHalves(b, a);
-  for (ptrdiff_t i = 0; i < 16; ++i) store(a[i], to + i * toStride);
+  for (ptrdiff_t i = 0; i < 16; ++i) {
+    prefetchForWriting(to + i * toStride + 128);
+    store(a[i], to + i * toStride);
+  }
 }
 #endif
 

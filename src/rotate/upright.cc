@@ -48,6 +48,26 @@ HWY_INLINE void reverse64(uint8_t*& to, const uint8_t*& from) {
 }
 #endif
 
+#if ZELM_VECTORS && !ZELM_NEON
+template <class D>
+HWY_INLINE size_t reverseBlocks(D d, uint8_t* to, const uint8_t* from, size_t bytes) {
+  constexpr size_t kBlock = MaxLanes(D());
+  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
+                                                         7,  6,  5,  4,  3,  2,  1, 0};
+  const auto backwards = hn::LoadDup128(d, kBackwards);
+  const auto reverse = [&](size_t x) HWY_ATTR {
+    auto v = hn::TableLookupBytes(hn::LoadU(d, from + bytes - kBlock - x), backwards);
+    if (kBlock > 16) v = hn::ConcatLowerUpper(d, v, v);
+    hn::StoreU(v, d, to + x);
+  };
+  constexpr size_t kTurn = kBlock == 16 ? 64 : kBlock;
+  const size_t done = inBlocks(bytes, kTurn, [&](size_t x) HWY_ATTR {
+    for (size_t i = 0; i < kTurn; i += kBlock) reverse(x + i);
+  });
+  return done > 0 ? done : inBlocks(bytes, kBlock, reverse);
+}
+#endif
+
 void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   size_t done = 0;
 #if ZELM_NEON
@@ -57,19 +77,12 @@ void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
       bytes, 64, [&]() HWY_ATTR { reverse64(out, in); },
       [&](size_t n) HWY_ATTR { out -= n, in += n; });
 #elif ZELM_VECTORS
-  // Rows are read downwards, which wider loads make slower.
-  const hn::Full128<uint8_t> block;
-  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                         7,  6,  5,  4,  3,  2,  1, 0};
-  const auto backwards = hn::Load(block, kBackwards);
-  const auto reverse = [&](size_t x) HWY_ATTR {
-    const auto v = hn::LoadU(block, from + bytes - 16 - x);
-    hn::StoreU(hn::TableLookupBytes(v, backwards), block, to + x);
-  };
-  done = inBlocks(bytes, 64, [&](size_t x) HWY_ATTR {
-    for (size_t i = 0; i < 64; i += 16) reverse(x + i);
-  });
-  if (done == 0) done = inBlocks(bytes, 16, reverse);
+  // Wider blocks, read downwards, are slower until the caches near by are outgrown.
+  if (bytes >= size_t{3} << 20) {
+    done = reverseBlocks(hn::CappedTag<uint8_t, 32>(), to, from, bytes);
+  } else {
+    done = reverseBlocks(hn::Full128<uint8_t>(), to, from, bytes);
+  }
 #endif
   for (size_t x = done; x < bytes; ++x) to[x] = from[bytes - 1 - x];
 }

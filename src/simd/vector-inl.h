@@ -63,6 +63,19 @@ constexpr size_t kBlocks = kBytes / 16;
 
 HWY_INLINE Vec<U8> load(const uint8_t* from) { return hn::LoadU(u8, from); }
 HWY_INLINE void store(Vec<U8> v, uint8_t* to) { hn::StoreU(v, u8, to); }
+// Past the caches, where the address allows it.
+template <bool kStream>
+HWY_INLINE void store(Vec<U8> v, uint8_t* to) {
+  if (kStream && reinterpret_cast<uintptr_t>(to) % kBytes == 0) {
+    hn::Stream(v, u8, to);
+  } else {
+    store(v, to);
+  }
+}
+
+// Asks early for memory that will be written. Far ahead it helps stores of several
+// vectors at a time, as the processor does by itself for one.
+HWY_INLINE void prefetchForWriting(const uint8_t* at) { __builtin_prefetch(at, 1); }
 
 template <class V>
 HWY_INLINE Vec<U16> asU16(V v) {
