@@ -2,7 +2,8 @@
 # Runs checks that the tests alone do not make, by name or all, and prints a line for
 # each; exit status 1 when one failed.
 #   scripts/check.sh [NAME...]
-#   warnings  both compilers, warnings are errors
+#   gcc       everything, warnings are errors
+#   clang     the same with the other compiler
 #   asan      the whole suite, address and undefined-behaviour sanitizers
 #   tsan      the whole suite, thread sanitizer
 #   msan      the fuzzers of the library, memory sanitizer
@@ -18,7 +19,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 2
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 
-all=(format warnings asan tsan msan valgrind tidy cppcheck)
+all=(format gcc clang asan tsan msan valgrind tidy cppcheck)
 jobs=${JOBS:-$(nproc)}
 seconds=${SECONDS_PER_FUZZER:-20}
 
@@ -41,14 +42,16 @@ sanitized() {
     ctest --test-dir "build-$1" --no-tests=error --output-on-failure -j "$jobs"
 }
 
-check_warnings() {
-  local compiler
-  for compiler in gcc/g++ clang-14/clang++-14; do
-    configure "build-warnings/${compiler#*/}" -DZELM_WARNINGS_AS_ERRORS=ON \
-      -DCMAKE_C_COMPILER="${compiler%/*}" -DCMAKE_CXX_COMPILER="${compiler#*/}" &&
-      cmake --build "build-warnings/${compiler#*/}" -j "$jobs" || return 1
-  done
+# without_warnings C_COMPILER C++_COMPILER
+without_warnings() {
+  configure "build-$1" -DZELM_WARNINGS_AS_ERRORS=ON -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_C_COMPILER="$1" -DCMAKE_CXX_COMPILER="$2" -DZELM_BUILD_BENCHMARKS=OFF &&
+    cmake --build "build-$1" -j "$jobs"
 }
+
+check_gcc() { without_warnings gcc g++; }
+
+check_clang() { without_warnings clang-14 clang++-14; }
 
 check_asan() {
   UBSAN_OPTIONS=print_stacktrace=1 sanitized asan address,undefined
@@ -93,14 +96,23 @@ check_format() {
   git ls-files '*.cc' '*.h' '*.c' ':!include' | xargs clang-format --dry-run -Werror
 }
 
-# shellcheck disable=SC2086  # a list of words
-require_packages $check_packages || exit 2
+# Packages that each needs.
+declare -A needs=(
+  [format]="$format_packages" [gcc]="$test_packages ninja-build"
+  [clang]="$test_packages ninja-build clang-14" [asan]="$test_packages ninja-build"
+  [tsan]="$test_packages ninja-build" [msan]="$fuzz_packages"
+  [valgrind]="$test_packages ninja-build valgrind"
+  [tidy]="$test_packages ninja-build clang-tidy"
+  [cppcheck]="$test_packages ninja-build cppcheck")
+
 failed=0
 for name in "${@:-${all[@]}}"; do
   if ! declare -F "check_$name" >/dev/null; then
     echo "no check is called $name; known are ${all[*]}" >&2
     exit 2
   fi
+  # shellcheck disable=SC2086  # a list of words
+  require_packages ${needs[$name]} || exit 2
   mkdir -p "build-$name"
   if "check_$name" >"build-$name/check.log" 2>&1; then
     echo "$name: passed"

@@ -6,11 +6,12 @@ test_packages="$build_packages libgtest-dev googletest dpkg-dev file pkg-config"
 arm_packages="make cmake libhwy-dev googletest qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
 bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
 count_packages="$arm_packages gcc dpkg-dev"
+android_packages="make cmake libhwy-dev clang-14 llvm-14 lld-14 qemu-user gcc-aarch64-linux-gnu libstdc++-12-dev-armhf-cross libstdc++-12-dev-arm64-cross"
 package_packages="$build_packages dpkg-dev file pkg-config"
 abi_packages="$build_packages abigail-tools"
 demo_packages="$build_packages ffmpeg"
 fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
-check_packages="$test_packages $fuzz_packages clang-tidy clang-format cppcheck valgrind"
+format_packages="clang-format git"
 
 # Prints those of the packages that are not installed.
 missing_packages() {

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests. Installs missing packages as root.
+# Builds everything and runs all tests. Installs missing packages as root. What
+# ZELM_CMAKE_OPTIONS holds goes to CMake.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -7,7 +8,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # shellcheck disable=SC2086  # a list of words
 require_packages $test_packages
-cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON
+# shellcheck disable=SC2086  # a list of words
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON \
+  ${ZELM_CMAKE_OPTIONS:-}
 cmake --build build -j "$(nproc)"
 echo "Instruction sets of the tests:"
 ctest --test-dir build -V -R InstructionSet.Choice | sed -n 's/.*\[   NOTE   \] /  /p' || true
