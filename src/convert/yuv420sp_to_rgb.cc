@@ -269,8 +269,9 @@ HWY_INLINE Vec<U8> pixelBytes(const RgbBytes& c, size_t v) {
 }
 #endif
 
-constexpr size_t kAhead =
-    3072;  // how far bytes to be written are asked for, where it pays
+#if ZELM_VBMI
+constexpr size_t kAhead = 3072;  // how far bytes to be written are asked for
+#endif
 
 struct Rgba8888 {
   static constexpr size_t kPixelBytes = 4;
