@@ -4,7 +4,7 @@
 #   --memory  with the memory sanitizer instead of those for addresses and undefined
 #             behaviour; the targets that need nothing of the program
 #   --plain   without sanitizers, several times as fast: codes and bytes are still compared
-#             and pages beside the buffers inaccessible; the same targets
+#             and pages beside the buffers inaccessible; not the readers
 #   --runs=N  at most so many executions of each target
 #   --keep    puts what was found, of the fewest and smallest files with the same coverage
 #             up to 150 and 40 KB per target, into fuzz/corpus
@@ -31,7 +31,7 @@ while [ "${1:-}" != "${1#--}" ]; do
     --plain)
       build=build-fuzz-plain
       sanitizers=''
-      targets=(fuzz_stages fuzz_pipelines fuzz_checks)
+      targets=(fuzz_stages fuzz_pipelines fuzz_checks fuzz_options)
       ;;
     --runs=*) runs=${1#--runs=} ;;
     --keep) keep=true ;;
