@@ -118,8 +118,9 @@ HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, size_t stride,
   Rows<kFactor, kSample> rows(from, stride);
   size_t left = bytes;
   for (; left >= kBlock<kFactor>; left -= kBlock<kFactor>) averageBlock(to, rows);
-  if (left >
-      0) {  // the last block is moved back; in a lambda `rows` would lie in memory
+  // The last block is moved back; not by inMovingBlocks, as a lambda would keep `rows`
+  // in memory.
+  if (left > 0) {
     const size_t back = kBlock<kFactor> - left;
     Rows<kFactor, kSample> lastRows(rows.a - kFactor * back, stride);
     to -= back;
