@@ -93,7 +93,7 @@ bool compare(const Call& call, const Frame& dst, const Frame& src, Content conte
     memcpy(static_cast<void*>(kept), records, sizeof records);
     const bool behind = guard == GuardedBuffer::Guard::kBehind;
     memory::State& heap = memory::state();
-    heap = {true, heap.refuse, static_cast<uint8_t>(behind ? 0x3C : 0xD7), 0, 0};
+    heap = {true, heap.refuse, static_cast<uint8_t>(behind ? 0x3C : 0xD7), 0, 0, 0};
     const int code = call.product(&records[0], &records[1]);
     heap.watching = false;
     const Bytes actual(out, out + dst.bytes);

@@ -31,6 +31,7 @@ void __real_free(void* pointer);
 void* __wrap_malloc(size_t size) {
   memory::State& state = memory::current;
   if (!state.watching) return __real_malloc(size);
+  state.lastRequest = size;
   if (++state.requests == state.refuse) return nullptr;
   for (memory::Slot& slot : memory::slots) {
     if (slot.start != nullptr) continue;

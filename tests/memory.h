@@ -4,6 +4,7 @@
 #ifndef ZELM_TESTS_MEMORY_H
 #define ZELM_TESTS_MEMORY_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 namespace memory {
@@ -13,6 +14,7 @@ struct State {
   int refuse;  // the request to refuse, counted from 1; 0 refuses none
   uint8_t fill;
   int requests, live;  // since the watching began
+  size_t lastRequest;  // how many bytes it was for
 };
 
 // Of the calling thread.

@@ -183,6 +183,21 @@ TEST(Pipeline, OrderOfErrors) {
 }
 
 // Every request for memory refused in turn: -12, and nothing written.
+// What is asked for holds the frame, or nothing is asked for: sizes do not wrap around.
+TEST(Pipeline, LargestFrameInBetween) {
+  uint8_t sample;
+  ImageStruct src = zelmWholeFrame(FORMAT_YUV420SPVU, 64, 48, &sample);
+  ImageStruct dst = zelmWholeFrame(FORMAT_RGBA8888, 65534, 65534, &sample);
+  memory::State& heap = memory::state();
+  heap = {true, 1, 0, 0, 0, 0};
+  const int code = Zelm_Resize_and_Convert(src, dst, RESIZE_LINEAR, RESIZE_LINEAR, 0);
+  heap.watching = false;
+  heap.refuse = 0;
+  EXPECT_EQ(code, RESULT_NO_MEMORY);
+  const uint64_t bytes = uint64_t{65534} * 65534 * 3 / 2;
+  EXPECT_EQ(heap.lastRequest, bytes > SIZE_MAX ? 0 : bytes);
+}
+
 TEST(Pipeline, NoMemory) {
   struct {
     uint32_t from, to;
