@@ -56,10 +56,11 @@ std::string repeat(const std::string& text, size_t times) {
 // Three frames whose samples tell their plane and their frame.
 std::string smallY4m() {
   std::string stream = "YUV4MPEG2 W8 H4 F30000:1001 It A2:1 C420mpeg2 XTEST=1\n";
-  for (char frame = 0; frame < 3; ++frame) {
-    stream += std::string(frame == 1 ? "FRAME Ixyz\n" : "FRAME\n") +
-              std::string(32, 'a' + frame) + std::string(8, 'k' + frame) +
-              std::string(8, 'v' + frame);
+  const char planes[][4] = {"akv", "blw", "cmx"};
+  for (const auto& plane : planes) {
+    stream += (plane[0] == 'b' ? "FRAME Ixyz\n" : "FRAME\n") +
+              std::string(32, plane[0]) + std::string(8, plane[1]) +
+              std::string(8, plane[2]);
   }
   return stream;
 }
