@@ -76,7 +76,8 @@ try_tool() {
   local tree=$1 bytes
   bytes=$("$tree/bin/zelm-imageutil" testcard - --size 64x48 --to nv21 | wc -c)
   [ "$bytes" -eq $((64 * 48 * 3 / 2)) ] || fail "the program wrote $bytes bytes"
-  grep -q '^\.TH ZELM' "$tree/share/man/man1/zelm-imageutil.1" || fail "no manual page"
+  zcat -f "$tree"/share/man/man1/zelm-imageutil.1* | grep -q '^\.TH ZELM' ||
+    fail "no manual page"
   (
     # shellcheck disable=SC1091  # checked by itself
     . "$tree/share/bash-completion/completions/zelm-imageutil"
