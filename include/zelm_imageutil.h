@@ -350,10 +350,11 @@ ZELM_API int16_t Zelm_Resize_and_Convert(ImageStruct src, ImageStruct dst,
  *
  * Parameters as for Zelm_Resize_and_Convert, which hands these sources here
  * after it has validated both records. This function validates nothing: both
- * records must satisfy what checkStruct demands, and the destination is written
- * as FORMAT_YUV420SPVU whatever its `format` says. When regions are equal in
- * size (and, for a tiled source, both are whole frames) the chroma is written
- * at width * height; otherwise at the destination's uvOffset. Keep the two equal.
+ * records must satisfy what checkStruct demands, with regions as it leaves them
+ * (even), and the destination is written as FORMAT_YUV420SPVU whatever its
+ * `format` says. When regions are equal in size (and, for a tiled source, both
+ * are whole frames) the chroma is written at width * height; otherwise at the
+ * destination's uvOffset. Keep the two equal.
  *
  * Returns
  *   RESULT_OK
