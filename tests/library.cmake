@@ -12,6 +12,10 @@ add_library(zelm_comparisons OBJECT harness.cc memory.cc stages.cc
 target_link_libraries(zelm_comparisons PUBLIC
   zelm_test_reference GTest::gtest_main Threads::Threads m)
 zelm_warnings(zelm_comparisons)
+if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND
+   "${CMAKE_CXX_FLAGS}" MATCHES "-fsanitize=address")
+  target_sources(zelm_comparisons PRIVATE top_gigabyte.cc)
+endif()
 
 # zelm_library_tests(<prefix> <objects> <ceiling>)
 # All comparisons for one build of the library's objects, which runs at most the
