@@ -63,7 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         break;
       default: {
         const std::string_view suffix = zelm_tool::suffixOf(text);
-        check(suffix.empty() || suffix.data() + suffix.size() == text.data() + text.size(),
+        check(suffix.empty() ||
+                  suffix.data() + suffix.size() == text.data() + text.size(),
               "a suffix from elsewhere");
         check(suffix.find('/') == suffix.npos && suffix.find('.') == suffix.npos,
               "more than a suffix");

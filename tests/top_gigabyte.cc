@@ -8,8 +8,8 @@
 
 namespace {
 
-// Taken away from mmap() for good, with a page below, as the runtime also asks about the
-// first address behind a block. Called past the runtime, which would refuse it.
+// Taken away from mmap() for good, with a page below, as the runtime also asks about
+// the first address behind a block. Called past the runtime, which would refuse it.
 __attribute__((constructor)) void takeTopGigabyte() {
   constexpr unsigned long kStart = 0xBFFFF000, kEnd = 0xFFFF0000;  // vectors follow
   const long at = syscall(SYS_mmap2, kStart, kEnd - kStart, PROT_NONE,
