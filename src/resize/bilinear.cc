@@ -95,10 +95,63 @@ class VectorColumns {
   HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {
     const size_t halves = 2 * vectorsFor(bytes_);
     for (size_t h = 0; h < halves; ++h) {
-      hn::Store(filter(h, from), i16, to + h * (kBytes / 2));
+      hn::Store(asI16(filter(h, from)), i16, to + h * (kBytes / 2));
     }
   }
 
+#if ZELM_NEON
+  // Addresses are moved on instead of computed, which saves a third of the
+  // instructions.
+  HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
+                            unsigned weight) const {
+    auto a = reinterpret_cast<const uint8_t*>(upper);
+    auto b = reinterpret_cast<const uint8_t*>(lower);
+    const auto moveBack = [&](size_t n) { to -= n; };
+    if (weight == 0) {
+      inMovingBlocks(
+          bytes_, kBytes,
+          [&]() HWY_ATTR {
+            const uint8x16x2_t row = take32(a);
+            put16(to, roundedUpperBytes(lanes(row.val[0]), lanes(row.val[1])).raw);
+          },
+          moveBack);
+      return;
+    }
+    const uint16x4_t weights = rowWeights(weight);
+    inMovingBlocks(
+        bytes_, kBytes,
+        [&]() HWY_ATTR {
+          const uint8x16x2_t above = take32(a), below = take32(b);
+          const auto half = [&](int h) HWY_ATTR {
+            return blend(lanes(above.val[h]), lanes(below.val[h]), weights);
+          };
+          put16(to, packInBlocks(half(0), half(1)).raw);
+        },
+        moveBack);
+  }
+
+  // The same without keeping filtered rows.
+  HWY_INLINE void scaleRow(uint8_t* to, const uint8_t* upper, const uint8_t* lower,
+                           unsigned weight) const {
+    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
+    if (weight == 0) {
+      for (size_t v = 0; v < vectors; ++v) {
+        const Vec<U16> first = filter(2 * v, upper), second = filter(2 * v + 1, upper);
+        store(roundedUpperBytes(first, second), to + vectorStart(v, bytes));
+      }
+      return;
+    }
+    const uint16x4_t weights = rowWeights(weight);
+    for (size_t v = 0; v < vectors; ++v) {
+      Vec<I16> half[2];
+      for (size_t h = 0; h < 2; ++h) {
+        const Vec<U16> above = filter(2 * v + h, upper);
+        half[h] = blend(above, filter(2 * v + h, lower), weights);
+      }
+      store(packInBlocks(half[0], half[1]), to + vectorStart(v, bytes));
+    }
+  }
+#else
   HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                             unsigned weight) const {
     blendHalves(to, weight, [&](size_t h, Vec<I16>* a, Vec<I16>* b) HWY_ATTR {
@@ -115,6 +168,7 @@ class VectorColumns {
       *b = filter(h, lower);
     });
   }
+#endif
 
  private:
   struct Half {
@@ -152,43 +206,28 @@ class VectorColumns {
   static constexpr size_t kRightPlace = 8;
   static size_t leftPlace(size_t lane) { return lane; }
 
-  HWY_INLINE Vec<I16> filter(size_t h, const uint8_t* from) const {
+  HWY_INLINE Vec<U16> filter(size_t h, const uint8_t* from) const {
     const uint8x16_t samples = half_[h].picks.pick(from).raw;
     const uint8x16_t weights = vld1q_u8(half_[h].weights);
     const uint16x8_t left = vmull_u8(vget_low_u8(samples), vget_low_u8(weights));
-    return Vec<I16>{vreinterpretq_s16_u16(
-        vmlal_u8(left, vget_high_u8(samples), vget_high_u8(weights)))};
+    return Vec<U16>{vmlal_u8(left, vget_high_u8(samples), vget_high_u8(weights))};
   }
 
-  template <class LoadRows>
-  HWY_INLINE void blendHalves(uint8_t* to, unsigned weight,
-                              const LoadRows& loadRows) const {
-    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
-    if (weight == 0) {
-      for (size_t v = 0; v < vectors; ++v) {
-        Vec<I16> a[2], unused;
-        for (size_t h = 0; h < 2; ++h) loadRows(2 * v + h, &a[h], &unused);
-        store(roundedUpperBytes(asU16(a[0]), asU16(a[1])), to + vectorStart(v, bytes));
-      }
-      return;
-    }
-    const uint16x4_t weights =
-        vset_lane_u16(static_cast<uint16_t>(256 - weight),
-                      vdup_n_u16(static_cast<uint16_t>(weight)), 0);
-    const auto blend = [&](size_t h) HWY_ATTR {
-      Vec<I16> upper, lower;
-      loadRows(h, &upper, &lower);
-      const uint16x8_t a = asU16(upper).raw, b = asU16(lower).raw;
-      const uint32x4_t low = vmlal_lane_u16(vmull_lane_u16(vget_low_u16(a), weights, 0),
+  static HWY_INLINE Vec<U16> lanes(uint8x16_t bytes) { return asU16(Vec<U8>{bytes}); }
+
+  // Of the upper row, then of the lower one.
+  static HWY_INLINE uint16x4_t rowWeights(unsigned weight) {
+    return vset_lane_u16(static_cast<uint16_t>(256 - weight),
+                         vdup_n_u16(static_cast<uint16_t>(weight)), 0);
+  }
+
+  static HWY_INLINE Vec<I16> blend(Vec<U16> upper, Vec<U16> lower, uint16x4_t weights) {
+    const uint16x8_t a = upper.raw, b = lower.raw;
+    const uint32x4_t first = vmlal_lane_u16(vmull_lane_u16(vget_low_u16(a), weights, 0),
                                             vget_low_u16(b), weights, 1);
-      const uint32x4_t high = vmlal_lane_u16(
-          vmull_lane_u16(vget_high_u16(a), weights, 0), vget_high_u16(b), weights, 1);
-      return roundedUpperHalves(Vec<U32>{low}, Vec<U32>{high});
-    };
-    for (size_t v = 0; v < vectors; ++v) {
-      const Vec<U16> first = blend(2 * v), second = blend(2 * v + 1);
-      store(packInBlocks(asI16(first), asI16(second)), to + vectorStart(v, bytes));
-    }
+    const uint32x4_t second = vmlal_lane_u16(
+        vmull_lane_u16(vget_high_u16(a), weights, 0), vget_high_u16(b), weights, 1);
+    return asI16(roundedUpperHalves(Vec<U32>{first}, Vec<U32>{second}));
   }
 #else
   static constexpr size_t kRightPlace = 1;

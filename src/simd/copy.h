@@ -81,6 +81,54 @@ inline void put16(uint8_t*& to, uint8x16_t v) {
   asm volatile("vst1.8 {%e1, %f1}, [%0]!" : "+r"(to) : "w"(v) : "memory");
 #endif
 }
+// 16 bytes of a row, and on to the next one.
+inline uint8x16_t take16(const uint8_t*& from, size_t stride) {
+  uint8x16_t v;
+#if !ZELM_MOVING_BY_ASM
+  v = vld1q_u8(from);
+  from += stride;
+#else
+  asm("vld1.8 {%e0, %f0}, [%1], %2" : "=w"(v), "+r"(from) : "r"(stride) : "memory");
+#endif
+  return v;
+}
+inline void put16(uint8_t*& to, size_t stride, uint8x16_t v) {
+#if !ZELM_MOVING_BY_ASM
+  vst1q_u8(to, v);
+  to += stride;
+#else
+  asm volatile("vst1.8 {%e1, %f1}, [%0], %2"
+               : "+r"(to)
+               : "w"(v), "r"(stride)
+               : "memory");
+#endif
+}
+// 8 bytes each from or to two places.
+inline uint8x16_t takeHalves(const uint8_t*& low, const uint8_t*& high) {
+  uint8x16_t v;
+#if !ZELM_MOVING_BY_ASM
+  v = vcombine_u8(vld1_u8(low), vld1_u8(high));
+  low += 8, high += 8;
+#else
+  asm("vld1.8 {%e0}, [%1]!\n\tvld1.8 {%f0}, [%2]!"
+      : "=&w"(v), "+r"(low), "+r"(high)
+      :
+      : "memory");
+#endif
+  return v;
+}
+inline void putHalves(uint8_t*& low, uint8_t*& high, uint8x16_t v) {
+#if !ZELM_MOVING_BY_ASM
+  vst1_u8(low, vget_low_u8(v));
+  vst1_u8(high, vget_high_u8(v));
+  low += 8, high += 8;
+#else
+  asm volatile("vst1.8 {%e2}, [%0]!\n\tvst1.8 {%f2}, [%1]!"
+               : "+r"(low), "+r"(high)
+               : "w"(v)
+               : "memory");
+#endif
+}
 
 // Calls body() for blocks of `block` items; it moves its addresses on. Before the last
 // block moveBack(n) takes them back by so many items that it ends at `count`. Gives the
