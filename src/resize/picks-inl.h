@@ -4,7 +4,8 @@
 // Every group of kPieceBytes bytes of a vector is picked out of up to four pieces
 // of that size, which follow each other in the row. The last pieces are moved back so
 // that they end with the row; a row has at least kPieceBytes bytes. A piece is a block
-// of 16 bytes, and picking is one shuffle per piece; with VBMI it is a whole vector.
+// of 16 bytes, and picking is one shuffle per piece, on Arm one lookup per two; with
+// VBMI it is a whole vector.
 #if ZELM_VBMI || defined(ZELM_SRC_RESIZE_PICKS_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_PICKS_INL_H_
