@@ -1,7 +1,6 @@
 // 32-bit Arm under the address sanitizer: its runtime takes the last gigabyte for the
 // kernel's, but an emulator hands it out once all that lies below has been used.
 #include <stdio.h>
-#include <stdlib.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>

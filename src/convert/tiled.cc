@@ -47,7 +47,7 @@ HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
   for (size_t y = 0; y < kRows; ++y) {
     uint8x16_t row =
         kToTiled ? take16(fromLinear, stride) : takeHalves(fromLeft, fromRight);
-    if (kSwap) row = vrev16q_u8(row);
+    if (kSwap) row = swapPairs(Vec<U8>{row}).raw;
     if (kToTiled) {
       putHalves(left, right, row);
     } else {

@@ -89,20 +89,21 @@ class Picks {
 #elif ZELM_NEON
   HWY_INLINE void set(size_t i, size_t position) {
     for (size_t p = 0; p < kPieces; p += 2) index_[p / 2][i] = kNoByte;
-    for (size_t p = kPieces; p-- > 0;) {
+    // Pieces that overlap may both supply the byte.
+    for (size_t p = 0; p < kPieces; ++p) {
       const size_t offset = position - begin_[p][0];
       if (offset < 16) index_[p / 2][i] = static_cast<uint8_t>(16 * (p % 2) + offset);
     }
   }
 
   HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
-    const auto piece = [&](size_t p) HWY_ATTR { return load(row + begin_[p][0]); };
     const auto index = [&](size_t p) HWY_ATTR { return load(index_[p / 2]); };
-    if (kPieces == 1) return pickInBlocks(piece(0), index(0));
-    const Vec<U8> low = pickFromTwo(piece(0), piece(kPieces > 1), index(0));
+    if (kPieces == 1) return pickInBlocks(piece(row, 0), index(0));
+    const Vec<U8> low = pickFromTwo(piece(row, 0), piece(row, kPieces > 1), index(0));
     if (kPieces == 2) return low;
-    if (kPieces == 3) return pickBeside(low, piece(kPieces - 1), index(kPieces - 1));
-    return pickFromTwoBeside(low, piece(kPieces - 2), piece(kPieces - 1),
+    if (kPieces == 3)
+      return pickBeside(low, piece(row, kPieces - 1), index(kPieces - 1));
+    return pickFromTwoBeside(low, piece(row, kPieces - 2), piece(row, kPieces - 1),
                              index(kPieces - 1));
   }
 #else
@@ -124,19 +125,18 @@ class Picks {
 #endif
 
  private:
-  static constexpr uint8_t kNoByte = 128;  // for a shuffle: 0
 #if ZELM_VBMI
   alignas(64) uint8_t index_[kBytes];
-#elif ZELM_NEON
-  alignas(
-      16) uint8_t index_[(kPieces + 1) / 2][16];  // one lookup takes from two pieces
 #else
+  static constexpr uint8_t kNoByte = 128;  // for a shuffle: 0
 
   HWY_INLINE Vec<U8> piece(const uint8_t* row, size_t p) const {
     return loadBlocks([&](size_t block) HWY_ATTR { return row + begin_[p][block]; });
   }
 
-  alignas(64) uint8_t index_[kPieces][kBytes];
+  // On Arm one lookup takes from two pieces.
+  static constexpr size_t kLookups = ZELM_NEON ? (kPieces + 1) / 2 : kPieces;
+  alignas(kBytes) uint8_t index_[kLookups][kBytes];
 #endif
   uint32_t begin_[kPieces][kGroups];
 };

@@ -129,41 +129,46 @@ HWY_INLINE Vec<U8> pickBeside(Vec<U8> others, Vec<U8> v, Vec<U8> index) {
 
 #if HWY_TARGET == HWY_NEON
 // The same with an index of 0 to 31 into a, then b, or 0 or `others` where it is
-// higher. Clang takes no pair of registers into asm, GCC needs it to put them side by
-// side.
-HWY_INLINE Vec<U8> pickFromTwo(Vec<U8> a, Vec<U8> b, Vec<U8> index) {
+// higher. On 32-bit Arm GCC needs asm to put the two side by side, and Clang takes no
+// pair of registers into asm.
 #if HWY_ARCH_ARM_V7 && HWY_COMPILER_CLANG
-  const uint8x8x4_t table = {{vget_low_u8(a.raw), vget_high_u8(a.raw),
-                              vget_low_u8(b.raw), vget_high_u8(b.raw)}};
+HWY_INLINE uint8x8x4_t tableOf(Vec<U8> a, Vec<U8> b) {
+  return {{vget_low_u8(a.raw), vget_high_u8(a.raw), vget_low_u8(b.raw),
+           vget_high_u8(b.raw)}};
+}
+#else
+HWY_INLINE uint8x16x2_t tableOf(Vec<U8> a, Vec<U8> b) { return {{a.raw, b.raw}}; }
+#endif
+
+HWY_INLINE Vec<U8> pickFromTwo(Vec<U8> a, Vec<U8> b, Vec<U8> index) {
+  const auto table = tableOf(a, b);
+#if HWY_ARCH_ARM_V7 && HWY_COMPILER_CLANG
   return Vec<U8>{vcombine_u8(vtbl4_u8(table, vget_low_u8(index.raw)),
                              vtbl4_u8(table, vget_high_u8(index.raw)))};
 #elif HWY_ARCH_ARM_V7
-  const uint8x16x2_t table = {{a.raw, b.raw}};
   uint8x16_t picked;
   asm("vtbl.8 %e0, %h1, %e2\n\tvtbl.8 %f0, %h1, %f2"
       : "=&w"(picked)
       : "w"(table), "w"(index.raw));
   return Vec<U8>{picked};
 #else
-  return Vec<U8>{vqtbl2q_u8({{a.raw, b.raw}}, index.raw)};
+  return Vec<U8>{vqtbl2q_u8(table, index.raw)};
 #endif
 }
 HWY_INLINE Vec<U8> pickFromTwoBeside(Vec<U8> others, Vec<U8> a, Vec<U8> b,
                                      Vec<U8> index) {
+  const auto table = tableOf(a, b);
 #if HWY_ARCH_ARM_V7 && HWY_COMPILER_CLANG
-  const uint8x8x4_t table = {{vget_low_u8(a.raw), vget_high_u8(a.raw),
-                              vget_low_u8(b.raw), vget_high_u8(b.raw)}};
   return Vec<U8>{
       vcombine_u8(vtbx4_u8(vget_low_u8(others.raw), table, vget_low_u8(index.raw)),
                   vtbx4_u8(vget_high_u8(others.raw), table, vget_high_u8(index.raw)))};
 #elif HWY_ARCH_ARM_V7
-  const uint8x16x2_t table = {{a.raw, b.raw}};
   asm("vtbx.8 %e0, %h1, %e2\n\tvtbx.8 %f0, %h1, %f2"
       : "+&w"(others.raw)
       : "w"(table), "w"(index.raw));
   return others;
 #else
-  return Vec<U8>{vqtbx2q_u8(others.raw, {{a.raw, b.raw}}, index.raw)};
+  return Vec<U8>{vqtbx2q_u8(others.raw, table, index.raw)};
 #endif
 }
 #endif
