@@ -25,7 +25,7 @@ const char* compiledFor() {
   return "AVX2";
 #elif HWY_TARGET == HWY_SSE4
   return "SSE4";
-#elif HWY_TARGET == HWY_NEON
+#elif ZELM_NEON
   return "NEON";
 #endif
 }
@@ -35,7 +35,7 @@ const char* compiledFor() {
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-#include "simd/again_with_vbmi.h"
+#include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 #include <gtest/gtest.h>

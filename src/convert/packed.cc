@@ -254,7 +254,7 @@ void rgb565Row(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t pixel
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-#include "simd/again_with_vbmi.h"
+#include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 namespace zelm {

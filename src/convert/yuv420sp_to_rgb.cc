@@ -45,7 +45,7 @@ HWY_INLINE uint8_t clampToByte(int value) {
   return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
-#if ZELM_VECTORS && HWY_TARGET == HWY_NEON
+#if ZELM_NEON
 // 16 pixels in order.
 struct RgbBytes {
   Vec<U8> r, g, b;
@@ -288,7 +288,7 @@ struct Rgba8888 {
       prefetchForWriting(to + v * kBytes + kAhead);
       store(pixelBytes<'R', 'G', 'B', 'A'>(c, v), to + v * kBytes);
     }
-#elif HWY_TARGET == HWY_NEON
+#elif ZELM_NEON
 #if HWY_ARCH_ARM_A64
     hn::StoreInterleaved4(c.r, c.g, c.b, hn::Set(u8, 255), u8, to);
 #else
@@ -333,7 +333,7 @@ struct Rgb888 {
       prefetchForWriting(to + v * kBytes + kAhead);
       store(pixelBytes<'R', 'G', 'B'>(c, v), to + v * kBytes);
     }
-#elif HWY_TARGET == HWY_NEON
+#elif ZELM_NEON
     hn::StoreInterleaved3(c.r, c.g, c.b, u8, to);
 #else
     // Each of three blocks takes R and B of some left and some right pixels, and G.
@@ -371,7 +371,7 @@ struct Rgb565 {
   }
 #if ZELM_VECTORS
   static HWY_INLINE void putAll(uint8_t* to, const RgbBytes& c) {
-#if HWY_TARGET == HWY_NEON
+#if ZELM_NEON
     // The upper bits of B, of G below it and of R below that.
     const uint8x16_t r = vshrq_n_u8(c.r.raw, 3);
     const Vec<U8> low{vsliq_n_u8(r, vshrq_n_u8(c.g.raw, 2), 5)};
@@ -424,7 +424,7 @@ HWY_INLINE void putPixel(uint8_t* to, const uint8_t* luma, const ChromaRows& chr
               clampToByte(y + ((14516 * u + (1 << 14)) >> 15)));
 }
 
-#if ZELM_VECTORS && HWY_TARGET == HWY_NEON
+#if ZELM_NEON
 template <class Format, bool kUFirst, bool kLoneFirst>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
                                 const ChromaRows& chroma, size_t pairs) {
@@ -495,7 +495,7 @@ void rgb565Row(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-#include "simd/again_with_vbmi.h"
+#include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 namespace zelm {
