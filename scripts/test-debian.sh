@@ -30,7 +30,7 @@ mkdir -p "$folder"
 
 # The mirror that this machine installs from.
 mirror=$(sed -n 's/^URIs: //p; s/^deb [^h]*\(http[^ ]*\) .*/\1/p' \
-  /etc/apt/sources.list.d/*.sources /etc/apt/sources.list 2>/dev/null | head -n 1)
+  /etc/apt/sources.list.d/*.sources /etc/apt/sources.list 2>/dev/null | head -n 1) || true
 mmdebstrap --quiet --variant=minbase --include=g++,make,git,ca-certificates \
   "$suite" "$root" ${mirror:+"$mirror"}
 cp -r /etc/apt/apt.conf.d/. "$root/etc/apt/apt.conf.d/"

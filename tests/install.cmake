@@ -1,6 +1,6 @@
 # The library installed and packaged, and then used. Sanitizers and other machines would
 # need programs that are built like the library.
-if(ZELM_INSTALL AND PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING AND NOT
+if(ZELM_INSTALL AND ZELM_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING AND NOT
    "${CMAKE_CXX_FLAGS} ${CMAKE_SHARED_LINKER_FLAGS}" MATCHES "-fsanitize|--coverage")
   add_test(NAME install_tree COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/install_test.sh
     tree ${PROJECT_BINARY_DIR} $<CONFIG>)

@@ -8,6 +8,9 @@
 #define HWY_BROKEN_EMU128 1
 #define HWY_DISABLE_PCLMUL_AES
 #define HWY_DISABLE_F16C
+// Highway's own checks would need its library to say what is wrong; builds without
+// optimisation and with sanitizers have them otherwise.
+#define HWY_IS_DEBUG_BUILD 0
 
 #if defined(__x86_64__)
 #define ZELM_WANTED_TARGETS (HWY_SCALAR | HWY_SSE4 | HWY_AVX2 | HWY_AVX3)
