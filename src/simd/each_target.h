@@ -7,6 +7,7 @@
 // plain code. In a pass
 //   ZELM_VECTORS  tells whether kernels may use vectors,
 //   ZELM_NEON     whether these are those of Arm, otherwise they are those of x86,
+//   ZELM_ARMV7    whether these are those of Arm, of 32 bits,
 //   ZELM_VBMI     whether it is the extra pass of simd/vbmi_pass.h.
 #ifndef ZELM_SRC_SIMD_EACH_TARGET_H_
 #define ZELM_SRC_SIMD_EACH_TARGET_H_
@@ -15,6 +16,7 @@
 
 #define ZELM_VECTORS (HWY_TARGET != HWY_SCALAR)
 #define ZELM_NEON (HWY_ARCH_ARM && ZELM_VECTORS)
+#define ZELM_ARMV7 (HWY_ARCH_ARM_V7 && ZELM_VECTORS)
 #define ZELM_VBMI 0
 
 #include "simd/wanted_targets.h"
@@ -25,6 +27,7 @@
 
 #define ZELM_VECTORS 0
 #define ZELM_NEON 0
+#define ZELM_ARMV7 0
 #define ZELM_VBMI 0
 #define HWY_ONCE 1
 #define HWY_NAMESPACE N_SCALAR
