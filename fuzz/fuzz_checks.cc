@@ -1,7 +1,10 @@
 // The functions that judge records, on records of any content.
 #include <string.h>
 
-#include "compare.h"
+#include "comparison.h"
+#include "finding.h"
+#include "input.h"
+#include "reference.h"
 
 namespace {
 
@@ -46,7 +49,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     if (input.byte() % 4 == 0) ++second.roiWidth;
   }
   const auto check = [&](bool holds, const char* what) {
-    if (!holds) fuzz::finding("checks", what, second, first);
+    if (holds) return;
+    harness::Text text;
+    text.add("%s; destination %s; source %s", what,
+             harness::describe(second).characters(),
+             harness::describe(first).characters());
+    fuzz::finding(text.characters());
   };
 
   ImageStruct actual = first, plain = first;

@@ -1,23 +1,18 @@
 // The program's command line: options or one kind of exception.
 #include <stdint.h>
 #include <stdio.h>
-#include <stdlib.h>
 
 #include <string>
 #include <vector>
 
 #include "failure.h"
+#include "finding.h"
 #include "options.h"
 
 namespace {
 
+using fuzz::check;
 using zelm_tool::Command;
-
-void check(bool holds, const char* what) {
-  if (holds) return;
-  fprintf(stderr, "FINDING in options: %s\n", what);
-  abort();
-}
 
 }  // namespace
 

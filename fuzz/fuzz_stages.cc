@@ -24,16 +24,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   harness::Random random(input.word());
   const auto dst = harness::makeFrame(stage.dst, fit, sizes.dst, margins & 1, &random);
   const auto src = harness::makeFrame(stage.src, fit, sizes.src, margins & 2, &random);
-  fuzz::compare(
-      stage.name, &stage,
-      [](const void* context, ImageStruct* d, ImageStruct* s) {
-        static_cast<const harness::Stage*>(context)->product(d, s);
-        return 0;
-      },
-      [](const void* context, ImageStruct* d, ImageStruct* s) {
-        static_cast<const harness::Stage*>(context)->expected(d, s);
-        return 0;
-      },
-      dst, src, &input);
+  fuzz::compare(harness::callOf(stage), dst, src, &input);
   return 0;
 }

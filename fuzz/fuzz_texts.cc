@@ -1,23 +1,18 @@
 // The texts in the program's options: values or one kind of exception.
 #include <stdint.h>
-#include <stdio.h>
-#include <stdlib.h>
 
 #include <sstream>
 #include <string>
 #include <string_view>
 
 #include "failure.h"
+#include "finding.h"
 #include "formats.h"
 #include "geometry.h"
 
 namespace {
 
-void check(bool holds, const char* what) {
-  if (holds) return;
-  fprintf(stderr, "FINDING in texts: %s\n", what);
-  abort();
-}
+using fuzz::check;
 
 template <class Value>
 std::string written(const Value& value) {

@@ -1,9 +1,10 @@
 // Memory with an inaccessible page on both sides: a buffer placed at the end of it
 // faults on the first byte read or written behind, one at the start on the first
-// before.
+// before. The address sanitizer takes all bytes but the placed ones for inaccessible.
 #ifndef ZELM_TESTS_GUARDED_BUFFER_H
 #define ZELM_TESTS_GUARDED_BUFFER_H
 
+#include <sanitizer/asan_interface.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/mman.h>
@@ -35,12 +36,17 @@ class GuardedBuffer {
       }
     }
     uint8_t* start = mapping_ + page;
-    return guard == Guard::kBefore ? start : start + (capacity_ - size);
+    if (guard == Guard::kBehind) start += capacity_ - size;
+    ASAN_POISON_MEMORY_REGION(mapping_ + page, capacity_);
+    ASAN_UNPOISON_MEMORY_REGION(start, size);
+    return start;
   }
 
  private:
   void release() {
-    if (mapping_ != nullptr) munmap(mapping_, mapped_);
+    if (mapping_ == nullptr) return;
+    ASAN_UNPOISON_MEMORY_REGION(mapping_, mapped_);
+    munmap(mapping_, mapped_);
     mapping_ = nullptr;
   }
 

@@ -1,13 +1,14 @@
 find_package(Threads REQUIRED)
 
 # The reference knows nothing of how the library was compiled.
-add_library(zelm_test_reference STATIC reference.cc)
+add_library(zelm_test_reference STATIC reference_stages.cc reference_pipelines.cc)
 target_include_directories(zelm_test_reference PUBLIC
   ${PROJECT_SOURCE_DIR}/include ${CMAKE_CURRENT_SOURCE_DIR})
 zelm_warnings(zelm_test_reference)
 
 # What needs nothing of the library but its header.
-add_library(zelm_comparisons OBJECT harness.cc memory.cc stages.cc
+add_library(zelm_comparisons OBJECT
+  comparison.cc harness.cc memory.cc pipelines.cc stages.cc
   stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
 target_link_libraries(zelm_comparisons PUBLIC
   zelm_test_reference GTest::gtest_main Threads::Threads m)

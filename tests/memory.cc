@@ -1,3 +1,4 @@
+// malloc and free of the program, as the library sees them.
 #include "memory.h"
 
 #include <stdio.h>
@@ -5,6 +6,13 @@
 #include <string.h>
 
 #include "guarded_buffer.h"
+
+#ifndef __has_feature
+#define __has_feature(name) 0  // only clang has it
+#endif
+#if __has_feature(memory_sanitizer)
+#include <sanitizer/msan_interface.h>
+#endif
 
 namespace memory {
 namespace {
@@ -16,6 +24,14 @@ struct Slot {
 
 thread_local State current;
 thread_local Slot slots[2];  // no call holds more buffers at a time
+
+// Bytes of any value, which the memory sanitizer takes for what malloc returns.
+void fillUninitialised(uint8_t* start, size_t size) {
+  memset(start, current.fill, size);
+#if __has_feature(memory_sanitizer)
+  __msan_allocated_memory(start, size);
+#endif
+}
 
 }  // namespace
 
@@ -37,7 +53,7 @@ void* __wrap_malloc(size_t size) {
     if (slot.start != nullptr) continue;
     const size_t aligned = (size + 15) / 16 * 16;  // as malloc would
     slot.start = slot.buffer.place(aligned, GuardedBuffer::Guard::kBehind);
-    memset(slot.start, state.fill, aligned);
+    memory::fillUninitialised(slot.start, aligned);
     ++state.live;
     return slot.start;
   }

@@ -1,3 +1,4 @@
+// The table of stages, and the regions and frames that each stage is tried with.
 #include "stages.h"
 
 #include <algorithm>
@@ -5,7 +6,38 @@
 namespace harness {
 namespace {
 
-size_t upTo16(size_t n) { return (n + 15) / 16 * 16; }
+using reference::upTo16;
+
+struct LayoutRule {
+  Layout layout;
+  size_t pixelBytes;    // of plane 0
+  size_t chromaHalves;  // half bytes of chroma for each pixel
+  bool atOffset;        // the record says where the chroma starts
+};
+
+// clang-format off
+constexpr LayoutRule kLayoutRules[] = {
+    // layout                pixelBytes, chromaHalves, atOffset
+    {Layout::kLuma,          1, 0, false},
+    {Layout::kSemi420,       1, 1, true},
+    {Layout::kSemi420Packed, 1, 1, false},
+    {Layout::kSemi422,       1, 2, true},
+    {Layout::kPlanarRead,    1, 1, true},
+    {Layout::kPlanarWritten, 0, 0, false},
+    {Layout::kPacked2,       2, 0, false},
+    {Layout::kPacked3,       3, 0, false},
+    {Layout::kPacked4,       4, 0, false},
+    {Layout::kTiledRead,     1, 1, true},
+    {Layout::kTiledWritten,  1, 1, false},
+    {Layout::kBlock3,        3, 0, false},
+};
+// clang-format on
+
+const LayoutRule& ruleOf(Layout layout) {
+  const LayoutRule* rule = kLayoutRules;
+  while (rule->layout != layout) ++rule;
+  return *rule;
+}
 
 // Sizes of one region: every small width, widths around the powers of two that kernels
 // and strips are made of, every small height, and the same the other way round.
@@ -172,13 +204,7 @@ Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* rando
   r.roiWidth = static_cast<uint16_t>(region.w);
   r.roiHeight = static_cast<uint16_t>(region.h);
 
-  struct {
-    size_t lumaBytes, chromaHalves;
-    bool atOffset;
-  } const rules[] = {{1, 0, false}, {1, 1, true},  {1, 1, false}, {1, 2, true},
-                     {1, 1, true},  {0, 0, false}, {2, 0, false}, {3, 0, false},
-                     {4, 0, false}, {1, 1, true},  {1, 1, false}, {3, 0, false}};
-  const auto& rule = rules[static_cast<int>(layout)];
+  const LayoutRule& rule = ruleOf(layout);
   size_t w = r.width, h = r.height;
   if (layout == Layout::kTiledRead || layout == Layout::kTiledWritten) {
     w = upTo16(w), h = upTo16(h);
@@ -189,8 +215,8 @@ Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* rando
     r.roiX = r.roiY = 0x123456;
   }
   const size_t gap = margins && rule.atOffset ? random->below(20) : 0;
-  frame.stride = std::max<size_t>(1, w * rule.lumaBytes);
-  frame.chroma = w * h * rule.lumaBytes + gap;
+  frame.stride = std::max<size_t>(1, w * rule.pixelBytes);
+  frame.chroma = w * h * rule.pixelBytes + gap;
   frame.bytes = frame.chroma + w * h * rule.chromaHalves / 2;
   if (layout == Layout::kPlanarWritten) {
     frame.stride = w;
@@ -226,12 +252,54 @@ std::vector<Case> casesOf(const Stage& stage) {
   return cases;
 }
 
-const std::vector<Stage>& stages() {
-#define STAGE(name, src, dst, fit, digest) \
-  {#name, ::name, reference::name, Layout::src, Layout::dst, Fit::fit, digest},
-  static const std::vector<Stage> table = {
-#include "stages.inc"
+Call callOf(const Stage& stage) {
+  const auto call = [](reference::Stage* function) {
+    return [function](ImageStruct* dst, ImageStruct* src) {
+      function(dst, src);
+      return 0;
+    };
   };
+  Call both;
+  both.name.add("%s", stage.name);
+  both.product = call(stage.product);
+  both.expected = call(stage.expected);
+  return both;
+}
+
+const std::vector<Stage>& stages() {
+// A stage by its name: the library's function and that of the reference.
+#define STAGE(name) #name, ::name, reference::name
+  // clang-format off
+  static const std::vector<Stage> table = {
+      // stage                              source               destination             sizes                digest
+      {STAGE(convYUV420SP_RGBA8888),        Layout::kSemi420,    Layout::kPacked4,       Fit::kSame,          0xdcae23568c3b59b2},
+      {STAGE(convYUV420SP_RGB565),          Layout::kSemi420,    Layout::kPacked2,       Fit::kSame,          0x95cb348de302070b},
+      {STAGE(convYUV420SP_RGB888),          Layout::kSemi420,    Layout::kPacked3,       Fit::kSame,          0x51cd6f007a764760},
+      {STAGE(convYUV420SP_YUV420SP),        Layout::kSemi420,    Layout::kSemi420,       Fit::kSame,          0xea31e355cf6d8f02},
+      {STAGE(convYUV420SP_VU2UV),           Layout::kSemi420,    Layout::kSemi420,       Fit::kSame,          0xa1dac76ede89f7f0},
+      {STAGE(convYUV420SP_YUV420P),         Layout::kSemi420,    Layout::kPlanarWritten, Fit::kFrame,         0x3f62cf47958ee1f4},
+      {STAGE(convYUV420P_YUV420SP),         Layout::kPlanarRead, Layout::kSemi420,       Fit::kFrame,         0x6532044a8fb7d1c4},
+      {STAGE(convYUV420SP_YUV422SP),        Layout::kSemi420,    Layout::kSemi422,       Fit::kSame,          0x2386e461a399e389},
+      {STAGE(convYUV420SP_YUV422SP_VU2UV),  Layout::kSemi420,    Layout::kSemi422,       Fit::kSame,          0x1c18599049744ff8},
+      {STAGE(convYUV422IUYVY_YUV420SPVU),   Layout::kPacked2,    Layout::kSemi420Packed, Fit::kWholeGroups,   0xe1e2f52fd807205b},
+      {STAGE(convRGB565_YUV420SPVU),        Layout::kPacked2,    Layout::kSemi420Packed, Fit::kDoubledLast,   0xaa2cd11302fe8ce5},
+      {STAGE(convYUV420SPMB_YUV420SPVU),    Layout::kTiledRead,  Layout::kSemi420Packed, Fit::kTiles,         0x14adccd2faacbb4b},
+      {STAGE(convYUV420SPVU_YUV420SPMB),    Layout::kSemi420,    Layout::kTiledWritten,  Fit::kTiles,         0x882a3101b6fb723e},
+      {STAGE(resize_nearest),               Layout::kLuma,       Layout::kLuma,          Fit::kScaledSamples, 0x0e1b88437dad5222},
+      {STAGE(resize_nearestVU),             Layout::kSemi420,    Layout::kSemi420,       Fit::kScaledPairs,   0x179dbe10f74b8a01},
+      {STAGE(resize_linear),                Layout::kLuma,       Layout::kLuma,          Fit::kScaledSamples, 0xf323e2db57bf7340},
+      {STAGE(resize_linearVU),              Layout::kSemi420,    Layout::kSemi420,       Fit::kScaledPairs,   0xd55a47e511430bb4},
+      {STAGE(resize_linear3ch),             Layout::kPacked3,    Layout::kBlock3,        Fit::kScaledSamples, 0xd77cc3a8db9b869d},
+      {STAGE(resize_cubic),                 Layout::kLuma,       Layout::kLuma,          Fit::kScaledSamples, 0xf4f6fa56ad9e20c6},
+      {STAGE(resize_cubicVU),               Layout::kSemi420,    Layout::kSemi420,       Fit::kScaledPairs,   0x71354f71120fc58b},
+      {STAGE(resize_averageOfPixel2_420LP), Layout::kSemi420,    Layout::kSemi420,       Fit::kBox2,          0xf6b8350115f2dc52},
+      {STAGE(resize_averageOfPixel4_420LP), Layout::kSemi420,    Layout::kSemi420,       Fit::kBox4,          0x38328a25f0b24427},
+      {STAGE(rotate0_Y),                    Layout::kLuma,       Layout::kLuma,          Fit::kSameAny,       0x4f6545af8bc5600b},
+      {STAGE(rotate90_Y),                   Layout::kLuma,       Layout::kLuma,          Fit::kTurned,        0xc8d8979a8b86d916},
+      {STAGE(rotate180_Y),                  Layout::kLuma,       Layout::kLuma,          Fit::kSameAny,       0xda78002b5378ec37},
+      {STAGE(rotate270_Y),                  Layout::kLuma,       Layout::kLuma,          Fit::kTurned,        0x229cf78a9faff44b},
+  };
+  // clang-format on
 #undef STAGE
   return table;
 }

@@ -10,6 +10,8 @@
 namespace harness {
 namespace {
 
+using reference::Stage;
+
 // A record of any size whose chroma follows the luma.
 ImageStruct plane(int width, int height) {
   ImageStruct r = zelmWholeFrame(FORMAT_YUV420SP, 2, 2, nullptr);
@@ -19,8 +21,7 @@ ImageStruct plane(int width, int height) {
   return r;
 }
 
-Bytes apply(StageFunction stage, ImageStruct dst, ImageStruct src, Bytes in,
-            size_t size) {
+Bytes apply(Stage* stage, ImageStruct dst, ImageStruct src, Bytes in, size_t size) {
   Bytes out(size, 0xEE);
   dst.data = out.data();
   src.data = in.data();
@@ -29,7 +30,7 @@ Bytes apply(StageFunction stage, ImageStruct dst, ImageStruct src, Bytes in,
 }
 
 // The library's output, which must be the reference's as well.
-Bytes both(StageFunction product, StageFunction expected, const ImageStruct& dst,
+Bytes both(Stage* product, Stage* expected, const ImageStruct& dst,
            const ImageStruct& src, const Bytes& in, size_t size) {
   Bytes out = apply(product, dst, src, in, size);
   EXPECT_TRUE(out == apply(expected, dst, src, in, size)) << describe(src);
@@ -139,7 +140,7 @@ TEST(Values, ScaledLines) {
 #define SCALER(stage) \
   { ::stage, reference::stage, ::stage##VU, reference::stage##VU }
   struct Scaler {
-    StageFunction luma, lumaExpected, chroma, chromaExpected;
+    Stage *luma, *lumaExpected, *chroma, *chromaExpected;
   } const nearest = SCALER(resize_nearest), linear = SCALER(resize_linear),
           cubic = SCALER(resize_cubic);
   struct {
