@@ -6,7 +6,7 @@
 namespace fuzz {
 namespace {
 
-// Noise of a seed, or the rest of the input over and over.
+// Noise from a seed, or the rest of the input again and again.
 void fill(uint8_t* to, size_t size, Input* input) {
   const uint32_t seed = input->byte();
   const size_t given = input->left();

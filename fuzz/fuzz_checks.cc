@@ -8,7 +8,7 @@
 
 namespace {
 
-// Small numbers meet the edges of the rules; any others must not disturb.
+// Mostly numbers at the edges of the rules, and now and then any number.
 uint32_t number(fuzz::Input* input) {
   const int kind = input->byte();
   if (kind < 64) return input->word();

@@ -1,4 +1,4 @@
-// The program's command line: options or one kind of exception.
+// Parses command lines of the program: the result is options or one kind of exception.
 #include <stdint.h>
 #include <stdio.h>
 
@@ -17,10 +17,10 @@ using zelm_tool::Command;
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  return freopen("/dev/null", "w", stdout) == nullptr;  // help and version
+  return freopen("/dev/null", "w", stdout) == nullptr;  // help and version are printed
 }
 
-// Arguments end with a newline or a zero.
+// Each argument ends with a newline or a zero.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   std::vector<std::string> arguments = {"zelm-imageutil", ""};
   for (size_t i = 0; i < size; ++i) {

@@ -10,13 +10,13 @@ using harness::Frame;
 
 constexpr size_t kLargest = size_t{1} << 18;
 
-// The side of a frame, even unless it is meant to be refused.
+// The side of a frame: even, or any number where the frame may be refused.
 uint32_t side(fuzz::Input* input, bool hostile) {
   if (!hostile) return 2 + static_cast<uint32_t>(input->extent(140) / 2 * 2);
   return input->word() >> (input->below(2) * 8) & 0xFFFF;
 }
 
-// A whole frame, made smaller until it is small enough.
+// A whole frame, reduced until its buffer is small enough.
 Frame whole(uint32_t format, uint32_t w, uint32_t h, uint32_t gap = 0) {
   while (zelmFrameLayout(format, w, h).size > kLargest) {
     (w > h ? w : h) /= 4;
@@ -53,7 +53,7 @@ Frame frame(fuzz::Input* input, int hostile) {
   return f;
 }
 
-// Otherwise the region is rounded, as checkStruct leaves it.
+// Rounds the region as checkStruct() does, unless the record is refused.
 bool refusedByCheck(ImageStruct* record) {
   static uint8_t sample;
   record->data = &sample;
@@ -82,7 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   auto src = frame(&input, wrong % 8 == 1 ? input.byte() : 0);
   auto dst = frame(&input, wrong % 8 == 2 ? input.byte() : 0);
   ImageStruct s = src.record;
-  if (wrong >> 3 & 1 && !refusedByCheck(&s)) {  // where equal regions matter
+  if (wrong >> 3 & 1 &&
+      !refusedByCheck(&s)) {  // a destination of the same or the turned size
     const bool turned = wrong >> 4 & 1;
     const uint32_t w = turned ? s.height : s.width, h = turned ? s.width : s.height;
     dst = whole(dst.record.format, w, h);

@@ -1,5 +1,6 @@
-// The program's readers on files of any bytes: frames or one kind of exception, no more
-// memory than a frame and no more than arrives, and the bytes of the file.
+// Reads files of any bytes with the program's readers. The result is frames that hold
+// the bytes of the file or one kind of exception, and no more memory is taken than a
+// frame needs or the file has bytes.
 #include <sanitizer/allocator_interface.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -17,9 +18,9 @@ namespace {
 using fuzz::check;
 using zelm_tool::FrameReader;
 
-constexpr size_t kPiece = size_t{4} << 20;   // what a reader may take ahead
+constexpr size_t kPiece = size_t{4} << 20;   // what a reader may allocate in advance
 constexpr size_t kBeside = size_t{1} << 17;  // names, messages, file buffers
-size_t largest;                              // of the requests for memory
+size_t largest;                              // request for memory
 
 void noteRequest(const volatile void*, size_t size) {
   if (size > largest) largest = size;

@@ -1,4 +1,5 @@
-// The texts in the program's options: values or one kind of exception.
+// Parses the texts in the program's options: the result is a value or one kind of
+// exception.
 #include <stdint.h>
 
 #include <sstream>
@@ -21,7 +22,7 @@ std::string written(const Value& value) {
   return out.str();
 }
 
-// What is understood, written and read again is the same.
+// A text that is understood has the same value after it is written and parsed again.
 void checkSize(const std::string& text) {
   const zelm_tool::Size size = zelm_tool::parseSize("--size", text);
   check(zelm_tool::parseSize("--size", written(size)) == size, "another size");

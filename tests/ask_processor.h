@@ -19,7 +19,7 @@ inline ProcessorFeatures askProcessor() {
                        [word](int bit) { return (word >> bit & 1) != 0; });
   };
   const unsigned c1 = c;
-  // The registers that the operating system saves: upper halves, masks, upper zmm.
+  // The registers that the operating system saves: upper halves of ymm, masks, zmm.
   if (all(c1, {27})) asm volatile("xgetbv" : "=a"(saved), "=d"(d) : "c"(0));
   if (__get_cpuid_count(7, 0, &a, &b7, &c7, &d) == 0) b7 = c7 = 0;
   const bool ymm = all(saved, {1, 2}), zmm = ymm && all(saved, {5, 6, 7});

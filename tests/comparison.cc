@@ -10,14 +10,14 @@
 namespace harness {
 namespace {
 
-// What byte i of the destination holds before the call.
+// The value of byte i of the destination before the call.
 uint8_t unwritten(size_t i) { return static_cast<uint8_t>(0xA5 ^ (i * 29 + i / 256)); }
 
 void fillUnwritten(uint8_t* bytes, size_t size) {
   for (size_t i = 0; i < size; ++i) bytes[i] = unwritten(i);
 }
 
-// Where the first wrong byte lies, and what it should be.
+// Appends where the first wrong byte lies and what it should be.
 void addFirstDifference(const Frame& frame, const uint8_t* written,
                         const uint8_t* expected, Text* text) {
   size_t i = 0;
@@ -50,7 +50,7 @@ Text describe(const ImageStruct& r) {
 
 ImageStruct noisyRecord(Random* random) {
   ImageStruct record;
-  uint8_t noise[88];  // as many on every machine
+  uint8_t noise[88];  // the same number on every machine
   static_assert(sizeof record <= sizeof noise, "noise fills a record");
   for (uint8_t& byte : noise) byte = static_cast<uint8_t>(random->next() >> 8);
   memcpy(static_cast<void*>(&record), noise, sizeof record);

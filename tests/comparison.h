@@ -1,6 +1,6 @@
 // Comparing a call of the library with the same call of the reference, for tests and
-// fuzzers. The memory sanitizer does not see into the C++ library, so that nothing here
-// needs more of it than templates.
+// fuzzers. The memory sanitizer does not see into the compiled part of the C++ library,
+// so that nothing here needs more of it than templates.
 #ifndef ZELM_TESTS_COMPARISON_H
 #define ZELM_TESTS_COMPARISON_H
 
@@ -11,7 +11,7 @@
 
 namespace harness {
 
-// The same numbers on every machine.
+// Random numbers, the same on every machine.
 class Random {
  public:
   explicit Random(uint32_t seed) : state_(seed * 2654435761u + 88172645u) {}
@@ -40,8 +40,8 @@ class Text {
   size_t length_ = 0;
 };
 
-// A record whose `data` is still to be set, and what its buffer looks like. The row
-// stride and the start of the chroma only serve messages and content.
+// A record without its `data`, and the size of the buffer for it. The row stride and
+// the start of the chroma only serve messages and patterns.
 struct Frame {
   ImageStruct record;
   size_t bytes, stride, chroma;
@@ -68,9 +68,9 @@ class Comparison {
   // `source` holds the src.bytes bytes that both calls read.
   Comparison(const Call& call, const Frame& dst, const Frame& src, uint8_t* source);
 
-  // Calls the library, and once, after it, the reference. Returns a line for each of
-  // these that went wrong, and an empty text otherwise: the result code, every byte of
-  // the destination, the source and the records unchanged, no heap memory left behind.
+  // Calls the library, and after the first time the reference. Compares the result code
+  // and every byte of the destination; source and records must be unchanged and all
+  // heap memory freed. Returns a line for each of these that is wrong.
   Text run(Guard dstGuard, Guard srcGuard);
 
   // The destination that the library wrote in the last run.

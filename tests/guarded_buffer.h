@@ -1,6 +1,6 @@
-// Memory with an inaccessible page on both sides: a buffer placed at the end of it
-// faults on the first byte read or written behind, one at the start on the first
-// before. The address sanitizer takes all bytes but the placed ones for inaccessible.
+// Memory between two inaccessible pages. An access behind a buffer that is placed at
+// its end, or before one that is placed at its start, is a fault. For the address
+// sanitizer all bytes but those of the buffer are poisoned.
 #ifndef ZELM_TESTS_GUARDED_BUFFER_H
 #define ZELM_TESTS_GUARDED_BUFFER_H
 
@@ -21,7 +21,7 @@ class GuardedBuffer {
   GuardedBuffer& operator=(const GuardedBuffer&) = delete;
   ~GuardedBuffer() { release(); }
 
-  // `size` bytes touching a guard; what an earlier call returned is gone.
+  // Returns `size` bytes that touch a guard. It invalidates what it returned before.
   uint8_t* place(size_t size, Guard guard) {
     const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     if (size > capacity_ || mapping_ == nullptr) {

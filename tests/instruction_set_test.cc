@@ -102,7 +102,7 @@ TEST(InstructionSet, IsTheHighestUpToTheCeiling) {
       chooseInstructionSet(askProcessor(), instructionSetCeiling());
   EXPECT_EQ(instructionSet(), set);
 #if ZELM_HIGHWAY
-  // The compiler may take more for granted than was asked for.
+  // Options of the compiler may raise the lowest set that is compiled.
   const InstructionSet baseline =
       HWY_STATIC_TARGET == HWY_AVX3   ? InstructionSet::kAvx512
       : HWY_STATIC_TARGET == HWY_AVX2 ? InstructionSet::kAvx2
@@ -116,7 +116,7 @@ TEST(InstructionSet, IsTheHighestUpToTheCeiling) {
 
 #elif defined(__arm__) || defined(__aarch64__)
 
-// Highway is content with plain code where the compiler's options leave out NEON.
+// Highway silently compiles plain code where the compiler's options leave out NEON.
 TEST(InstructionSet, IsNeonUnlessVectorsAreOff) {
 #if ZELM_HIGHWAY
   EXPECT_EQ(kernelRuns(), "NEON");

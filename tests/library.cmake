@@ -1,3 +1,5 @@
+# The tests of the library: comparisons for each instruction set, the header in C, and
+# what the shared library exports.
 find_package(Threads REQUIRED)
 
 # The reference knows nothing of how the library was compiled.

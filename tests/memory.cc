@@ -1,4 +1,4 @@
-// malloc and free of the program, as the library sees them.
+// Stands in for malloc() and free() while the heap is watched.
 #include "memory.h"
 
 #include <stdio.h>
@@ -23,9 +23,10 @@ struct Slot {
 };
 
 thread_local State current;
-thread_local Slot slots[2];  // no call holds more buffers at a time
+thread_local Slot slots[2];  // no call holds more buffers at the same time
 
-// Bytes of any value, which the memory sanitizer takes for what malloc returns.
+// Fills a block with the chosen byte. For the memory sanitizer it is as uninitialised
+// as a block that malloc() returns.
 void fillUninitialised(uint8_t* start, size_t size) {
   memset(start, current.fill, size);
 #if __has_feature(memory_sanitizer)
@@ -51,13 +52,13 @@ void* __wrap_malloc(size_t size) {
   if (++state.requests == state.refuse) return nullptr;
   for (memory::Slot& slot : memory::slots) {
     if (slot.start != nullptr) continue;
-    const size_t aligned = (size + 15) / 16 * 16;  // as malloc would
+    const size_t aligned = (size + 15) / 16 * 16;  // malloc() aligns blocks like this
     slot.start = slot.buffer.place(aligned, GuardedBuffer::Guard::kBehind);
     memory::fillUninitialised(slot.start, aligned);
     ++state.live;
     return slot.start;
   }
-  fputs("more buffers at a time than any call needs\n", stderr);
+  fputs("more buffers at the same time than any call needs\n", stderr);
   abort();
 }
 

@@ -18,7 +18,7 @@ Frame region(Frame frame, int x, int y, int w, int h) {
   return frame;
 }
 
-// The call must give this code, and the reference's bytes with it.
+// The call must return this code, and the bytes must be those of the reference.
 void expectCode(Call call, const Frame& dst, const Frame& src, int code) {
   const auto expected = call.expected;
   int given = 1;
@@ -30,8 +30,8 @@ void expectCode(Call call, const Frame& dst, const Frame& src, int code) {
                          << "; source " << describe(src.record);
 }
 
-// The codes when both methods are valid: for each source format, and where it matters
-// for regions of equal or other sizes, those of the destination formats.
+// The result codes when both methods are valid. Where it matters whether the two
+// regions have the same size, a source format has a row for each case.
 enum Sizes { kEqual = 1, kOther = 2, kAny = 3 };
 // clang-format off
 constexpr struct {
@@ -103,14 +103,14 @@ TEST(Pipeline, OrderOfErrors) {
     Frame src, dst;
     int luma, chroma, code;
   } const table[] = {
-      // The source's errors first, and size before region before format.
+      // Errors of the source come first, and size before region before format.
       {badSize, badFormat, 2, 2, -2},
       {badFormat, badSize, 2, 2, -4},
       {badRegion, badSize, 2, 2, -3},
       {good, badSize, 2, 2, -2},
       {good, badRegion, 0, 0, -3},
       {good, badFormat, 0, 0, -4},
-      // Regions of equal size and planar frames: methods do not matter.
+      // Methods do not matter for regions of equal size and for planar frames.
       {good, good, 0, 99, 0},
       {empty, region(wholeFrame(FORMAT_RGB888, 40, 40), 6, 6, 0, 8), 0, 0, 0},
       {planar, whole, 0, 0, 0},
@@ -118,7 +118,8 @@ TEST(Pipeline, OrderOfErrors) {
       {planar, region(whole, 0, 0, 32, 14), 2, 2, -6},
       {region(planar, 2, 2, 4, 6), region(whole, 2, 2, 5, 7), 2, 2, 0},
       {planar, wholeFrame(vu, 32, 18), 2, 2, -6},
-      // Scaling: the empty destination, the empty source, luma, chroma, the format.
+      // Scaling checks the empty destination, the empty source, luma, chroma, the
+      // format.
       {good, emptyVu, 0, 0, 0},
       {good, region(planar, 0, 0, 0, 4), 0, 0, 0},
       {empty, smaller, 0, 0, -3},
@@ -135,7 +136,7 @@ TEST(Pipeline, OrderOfErrors) {
       {whole, tiles, 2, 1, -8},
       {emptyVu, tiles, 1, 2, -3},
       {whole, noTiles, 1, 2, 0},
-      // Handed on.
+      // These are handed on to Zelm_Convert_and_Resize().
       {words, whole, 0, 0, 0},
       {words, half, 1, 1, -7},
       {words, half, 2, 1, -8},
@@ -154,7 +155,7 @@ TEST(Pipeline, OrderOfErrors) {
   for (const auto& t : table)
     expectCode(resizeAndConvert(t.luma, t.chroma), t.dst, t.src, t.code);
 
-  // Called directly, a foreign source is found before its empty region.
+  // Called directly, it checks the source's format before its empty region.
   expectCode(convertAndResize(2, 2), half, good, -4);
   expectCode(convertAndResize(2, 2), whole, good, -4);
   expectCode(convertAndResize(0, 0), half, empty, -4);
@@ -210,7 +211,8 @@ TEST(Pipeline, NoMemory) {
   for (const auto& r : routes) {
     const Frame src = wholeFrame(r.from, r.width, r.height);
     const Frame dst = wholeFrame(r.to, r.dstWidth, r.dstHeight);
-    for (int methods = 22; methods <= 55; methods += 33) {  // valid and not
+    for (int methods = 22; methods <= 55;
+         methods += 33) {  // valid methods, then invalid ones
       Call call = resizeAndConvert(methods / 10, methods % 10);
       EXPECT_TRUE(compare(call, dst, src, kRandom, 1));
       const int most = memory::state().requests;
@@ -223,7 +225,7 @@ TEST(Pipeline, NoMemory) {
       memory::state().refuse = 0;
     }
   }
-  // A foreign source is refused only after its buffer was to be had.
+  // The format of the source is checked only after its buffer has been allocated.
   const Frame src = wholeFrame(FORMAT_YUV420SP, 32, 16),
               dst = wholeFrame(FORMAT_YUV420SPVU, 8, 8);
   memory::state().refuse = 1;
@@ -253,7 +255,7 @@ class Records {
     if (rarely()) f.record.roiX = below(140) - 20;
     return f;
   }
-  // Often what the source's region fits into.
+  // A frame that the source's region often fits into.
   Frame beside(uint32_t format, const Frame& src) {
     if (below(3) != 0) return frame(format);
     Frame f = wholeFrame(format, src.record.width, src.record.height);
@@ -284,7 +286,7 @@ TEST(Pipeline, RandomScaling) {
     const int luma = records.method(), chroma = records.method();
     Call call =
         direct ? convertAndResize(luma, chroma) : resizeAndConvert(luma, chroma);
-    if (direct) {  // nothing is checked there, and the destination's format not read
+    if (direct) {  // which checks nothing and does not read the destination's format
       src.record.data = dst.record.data = &byte;
       if (reference::checkStruct(&src.record) != 0) continue;
       if (reference::checkStruct(&dst.record) != 0) continue;

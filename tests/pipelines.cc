@@ -8,7 +8,7 @@
 namespace harness {
 namespace {
 
-// The name shows the two arguments that matter.
+// The name shows the two arguments that choose what is done.
 template <class Product, class Expected, class... Rest>
 Call pipeline(const char* name, Product product, Expected expected, int a, int b,
               Rest... rest) {

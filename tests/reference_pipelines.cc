@@ -34,7 +34,7 @@ void setWholeRegion(ImageStruct* i) {
   i->roiHeight = i->height;
 }
 
-// The converter between two semi-planar orders, or to another layout; null for none.
+// The converter between the two semi-planar orders or to another layout, or null.
 Stage* converterFor(uint32_t from, uint32_t to) {
   const bool uFirst = from == FORMAT_YUV420SP;
   const struct {
@@ -88,7 +88,7 @@ int scaleAndConvert(ImageStruct src, ImageStruct dst, int luma, int chroma) {
     target.uvOffset = static_cast<uint32_t>(area(dst));
     targetBytes.assign(area(dst) * 3 / 2, 0);
     target.data = targetBytes.data();
-    if (tiled) {  // what lies outside the region keeps its value
+    if (tiled) {  // bytes outside of the region keep their values
       ImageStruct before = dst, all = target;
       setWholeRegion(&before);
       before.uvOffset = static_cast<uint32_t>(upTo16(dst.width) * upTo16(dst.height));

@@ -1,4 +1,4 @@
-// The rule of each stage.
+// The rules of the stages.
 #include "reference.h"
 
 #include <algorithm>
@@ -35,7 +35,7 @@ Plane packed(const ImageStruct& i, int channels) {
           i.roiHeight, i.roiWidth, channels};
 }
 
-// The region alone, from the start of the buffer.
+// A buffer that holds nothing but the region.
 Plane block(const ImageStruct& i, int channels) {
   return {i.data, static_cast<size_t>(i.roiWidth) * channels, i.roiHeight, i.roiWidth,
           channels};
@@ -138,7 +138,7 @@ void forTiles(size_t w, size_t h, Luma moveLuma, Chroma moveChroma) {
 
 // ----------------------------------------------------------------------- scaling
 
-// Distance of two neighbours of the destination in the source, in 2^-32 samples.
+// How far apart two neighbours of the destination are in the source, in 2^-32 samples.
 uint64_t stepOf(int source, int destination) {
   if (destination <= 1) return 0;
   const double ratio = static_cast<double>(source - 1) / (destination - 1);
@@ -301,7 +301,7 @@ void resize_averageOfPixel4_420LP(ImageStruct* dst, ImageStruct* src) {
   boxAverage(chroma(*dst), chroma(*src), 4);
 }
 
-// The rotations say for every destination column x and row y where it comes from.
+// Each rotation names the source sample of the destination's column x and row y.
 void rotate0_Y(ImageStruct* dst, ImageStruct* src) {
   copyPlane(luma(*dst), luma(*src));
 }

@@ -39,8 +39,9 @@ const LayoutRule& ruleOf(Layout layout) {
   return *rule;
 }
 
-// Sizes of one region: every small width, widths around the powers of two that kernels
-// and strips are made of, every small height, and the same the other way round.
+// Sizes of one region: every small width, widths around the powers of two that vectors
+// and strips are long, every small height, and the same with width and height
+// exchanged.
 std::vector<Size> regionSizes(bool odd) {
   std::vector<Size> sizes;
   for (int w = 0; w <= 130; ++w) {
@@ -68,14 +69,14 @@ std::vector<Size> regionSizes(bool odd) {
 }
 
 // Kernels gather a destination vector out of one or more pieces of the source row. How
-// many they need depends on the step, so all steps up to 10 are tried, with more rows
-// and with fewer.
+// many pieces depends on the step, so that all steps up to 10 are tried, while the
+// number of rows grows or shrinks.
 void addGathers(std::vector<Sizes>* sizes) {
   const auto add = [sizes](int dst, int src) {
     sizes->push_back({{dst, 3}, {src, src % 2 == 0 ? 2 : 6}});
   };
   for (int src = 1; src <= 1300; src += src < 300 ? 1 : 3) add(130 + src % 3, src);
-  // Rows about as long as a piece, or shorter, made 20 times as large.
+  // Rows of at most about a piece, enlarged 20 times.
   for (int bytes : {14, 15, 16, 17, 18, 62, 63, 64, 65, 66}) {
     for (int sample : {1, 2, 3}) {
       const int src = (bytes + sample - 1) / sample;
@@ -83,8 +84,7 @@ void addGathers(std::vector<Sizes>* sizes) {
       add(64 + src, src);
     }
   }
-  // The last strip of bytes and its last vector, of all lengths around those of
-  // vectors.
+  // A last strip whose length is about that of one or more vectors.
   const double steps[] = {0.05, 0.7, 1.5, 2.7, 3.9, 6.1, 8.3, 12};
   size_t next = 0;
   for (int strip : {1024, 2048}) {
@@ -239,7 +239,7 @@ std::vector<Case> casesOf(const Stage& stage) {
   Random random(1);
   uint32_t seed = 0;
   for (const Sizes& sizes : sizesOf(stage.fit)) {
-    // Exact frames with every content in turn, then regions inside larger ones.
+    // Twice a frame that is no larger than its region, then one with margins.
     for (int form = 0; form < 3; ++form) {
       const bool margins = form == 2;
       const Content content =
@@ -267,7 +267,7 @@ Call callOf(const Stage& stage) {
 }
 
 const std::vector<Stage>& stages() {
-// A stage by its name: the library's function and that of the reference.
+// The name of a stage, its function in the library and that of the reference.
 #define STAGE(name) #name, ::name, reference::name
   // clang-format off
   static const std::vector<Stage> table = {

@@ -1,4 +1,4 @@
-// The table of all stages and the calls each of them is tried with.
+// The table of all stages and the calls that each of them is tried with.
 #ifndef ZELM_TESTS_STAGES_H
 #define ZELM_TESTS_STAGES_H
 
@@ -58,8 +58,9 @@ struct Sizes {
   Size dst, src;
 };
 
-// Regions that fit together, made of two sizes. The second is the source's for scalers
-// and what the source has too much for box averages.
+// Regions that fit together, made of two sizes. The second one is that of the source
+// for scalers, and for box averages the columns and rows that are left over in the
+// source.
 Sizes regionsOf(Fit fit, Size size, Size other);
 // A frame around a region, with or without margins around it.
 Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* random);

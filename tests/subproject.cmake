@@ -1,6 +1,6 @@
-# cmake -DLIBRARY=... -DPROGRAM=... -DFOLDER=... -DGENERATOR=... -P subproject.cmake
 # Builds the library as part of another project, which has no build type and links the
 # static library only: what the project does not use is not built.
+# cmake -DLIBRARY=... -DPROGRAM=... -DFOLDER=... -DGENERATOR=... -P subproject.cmake
 file(REMOVE_RECURSE ${FOLDER})
 execute_process(COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -B ${FOLDER}
   -S ${CMAKE_CURRENT_LIST_DIR}/subproject -DCMAKE_BUILD_TYPE=

@@ -29,7 +29,7 @@ Bytes apply(Stage* stage, ImageStruct dst, ImageStruct src, Bytes in, size_t siz
   return out;
 }
 
-// The library's output, which must be the reference's as well.
+// The library's output, which must equal that of the reference.
 Bytes both(Stage* product, Stage* expected, const ImageStruct& dst,
            const ImageStruct& src, const Bytes& in, size_t size) {
   Bytes out = apply(product, dst, src, in, size);
@@ -261,7 +261,7 @@ TEST(Values, Layouts) {
             joined(luma, {0xA9, 0xEA, 0xC8, 0x78, 0xE7, 0x07, 0xB4, 0x2E, 0x82, 0x56,
                           0x98, 0x96, 0xAF, 0xD7, 0xAF, 0xD7}));
 
-  // Where the planar planes start and end.
+  // Where the planes of a planar frame start and end.
   struct {
     uint32_t width, height, first, second, size;
   } const planar[] = {
@@ -374,8 +374,8 @@ TEST(Whole, EveryPairOfChromaSums) {
   }
 }
 
-// The same with every luma. The reference would take minutes, so the rule stands here
-// once more, for the right pixels of that frame.
+// The same with every luma. As the reference would take minutes, the rule is written
+// here once more, for the right pixels of that frame only.
 TEST(Whole, EveryLumaWithEveryPairOfChromaSums) {
   const size_t pairs = 1022, rows = 513, width = 2 * pairs;
   const auto clamp = [](int value) { return std::min(255, std::max(0, value)); };
@@ -436,7 +436,7 @@ TEST(Whole, EveryPackedWord) {
   BOTH(convRGB565_YUV420SPVU, plane(512, 512), plane(512, 512), in, 512 * 768);
 }
 
-// Rows become columns.
+// Exchanges rows and columns.
 Bytes transposed(const Bytes& in, size_t columns) {
   const size_t rows = in.size() / columns;
   Bytes out(in.size());
