@@ -67,6 +67,7 @@ void __wrap_free(void* pointer) {
   for (memory::Slot& slot : memory::slots) {
     if (slot.start == pointer) {
       slot.start = nullptr;
+      slot.buffer.place(0, GuardedBuffer::Guard::kBehind);  // poisons the block
       --memory::current.live;
       return;
     }
