@@ -2,7 +2,6 @@
 #include "compare.h"
 #include "memory.h"
 #include "pipelines.h"
-#include "reference.h"
 
 namespace {
 

@@ -62,13 +62,6 @@ Comparison::Comparison(const Call& call, const Frame& dst, const Frame& src,
                        uint8_t* source)
     : call_(call), dst_(dst), src_(src), source_(source) {}
 
-Text Comparison::heading() const {
-  Text text;
-  text.add("%s: destination %s; source %s", call_.name.characters(),
-           describe(dst_.record).characters(), describe(src_.record).characters());
-  return text;
-}
-
 void Comparison::runReference() {
   static GuardedBuffer destination;
   expected_ = destination.place(dst_.bytes, Guard::kBehind);
@@ -106,7 +99,15 @@ Text Comparison::run(Guard dstGuard, Guard srcGuard) {
   if (memcmp(read, source_, src_.bytes) != 0) wrong.add("\n  source changed");
   if (memcmp(records, kept, sizeof kept) != 0) wrong.add("\n  a record was changed");
   if (heap.live != 0) wrong.add("\n  %d buffers not freed", heap.live);
-  return wrong;
+  if (wrong.empty()) return wrong;
+
+  const char* const names[] = {"behind", "before"};
+  Text text;
+  text.add("%s: destination %s, guard %s; source %s, guard %s%s",
+           call_.name.characters(), describe(dst_.record).characters(),
+           names[dstGuard == Guard::kBefore], describe(src_.record).characters(),
+           names[srcGuard == Guard::kBefore], wrong.characters());
+  return text;
 }
 
 }  // namespace harness

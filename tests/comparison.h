@@ -70,13 +70,12 @@ class Comparison {
 
   // Calls the library, and after the first time the reference. Compares the result code
   // and every byte of the destination; source and records must be unchanged and all
-  // heap memory freed. Returns a line for each of these that is wrong.
+  // heap memory freed. Returns a line with the call and one for each of these that is
+  // wrong, or an empty text.
   Text run(Guard dstGuard, Guard srcGuard);
 
   // The destination that the library wrote in the last run.
   const uint8_t* written() const { return written_; }
-  // What is called, and with which records.
-  Text heading() const;
 
  private:
   void runReference();

@@ -43,9 +43,7 @@ bool compare(const Call& call, const Frame& dst, const Frame& src, Content conte
   for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
     const Text wrong = comparison.run(guard, guard);
     if (!wrong.empty()) {
-      ADD_FAILURE() << comparison.heading() << "; content " << content << ", seed "
-                    << seed << ", guard "
-                    << (guard == Guard::kBehind ? "behind" : "before") << wrong;
+      ADD_FAILURE() << wrong << "\n  with content " << content << ", seed " << seed;
       return false;
     }
     if (digest != nullptr) hash(comparison.written(), dst.bytes, digest);

@@ -10,7 +10,7 @@ zelm_warnings(zelm_test_reference)
 
 # What needs nothing of the library but its header.
 add_library(zelm_comparisons OBJECT
-  comparison.cc harness.cc memory.cc pipelines.cc stages.cc
+  comparison.cc harness.cc memory.cc stages.cc
   stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
 target_link_libraries(zelm_comparisons PUBLIC
   zelm_test_reference GTest::gtest_main Threads::Threads m)
