@@ -240,25 +240,20 @@ void turn(const Plane& out, const Plane& in, bool quarter, Sample sample) {
 }  // namespace
 
 void convYUV420SP_RGBA8888(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 4); }
-
 void convYUV420SP_RGB888(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 3); }
-
 void convYUV420SP_RGB565(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 2); }
 
 void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   copyPlane(luma(*dst), luma(*src));
   copyPlane(chroma(*dst), chroma(*src));
 }
-
 void convYUV420SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
   copyPlane(luma(*dst), luma(*src));
   copyPlane(chroma(*dst), chroma(*src), 1);
 }
-
 void convYUV420SP_YUV422SP(ImageStruct* dst, ImageStruct* src) {
   expandTo422(*dst, *src, 0);
 }
-
 void convYUV420SP_YUV422SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
   expandTo422(*dst, *src, 1);
 }
@@ -266,27 +261,21 @@ void convYUV420SP_YUV422SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
 void resize_nearest(ImageStruct* dst, ImageStruct* src) {
   scaleNearest(luma(*dst), luma(*src));
 }
-
 void resize_nearestVU(ImageStruct* dst, ImageStruct* src) {
   scaleNearest(chroma(*dst), chroma(*src));
 }
-
 void resize_linear(ImageStruct* dst, ImageStruct* src) {
   scaleFiltered(luma(*dst), luma(*src), linearTaps);
 }
-
 void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
   scaleFiltered(chroma(*dst), chroma(*src), linearTaps);
 }
-
 void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
   scaleFiltered(block(*dst, 3), packed(*src, 3), linearTaps);
 }
-
 void resize_cubic(ImageStruct* dst, ImageStruct* src) {
   scaleFiltered(luma(*dst), luma(*src), cubicTaps);
 }
-
 void resize_cubicVU(ImageStruct* dst, ImageStruct* src) {
   scaleFiltered(chroma(*dst), chroma(*src), cubicTaps);
 }
@@ -295,7 +284,6 @@ void resize_averageOfPixel2_420LP(ImageStruct* dst, ImageStruct* src) {
   boxAverage(luma(*dst), luma(*src), 2);
   boxAverage(chroma(*dst), chroma(*src), 2);
 }
-
 void resize_averageOfPixel4_420LP(ImageStruct* dst, ImageStruct* src) {
   boxAverage(luma(*dst), luma(*src), 4);
   boxAverage(chroma(*dst), chroma(*src), 4);
@@ -305,17 +293,14 @@ void resize_averageOfPixel4_420LP(ImageStruct* dst, ImageStruct* src) {
 void rotate0_Y(ImageStruct* dst, ImageStruct* src) {
   copyPlane(luma(*dst), luma(*src));
 }
-
 void rotate90_Y(ImageStruct* dst, ImageStruct* src) {
   turn(luma(*dst), luma(*src), true,
        [](auto s, int x, int y) { return s.at(s.rows - 1 - x, y); });
 }
-
 void rotate180_Y(ImageStruct* dst, ImageStruct* src) {
   turn(luma(*dst), luma(*src), false,
        [](auto s, int x, int y) { return s.at(s.rows - 1 - y, s.columns - 1 - x); });
 }
-
 void rotate270_Y(ImageStruct* dst, ImageStruct* src) {
   turn(luma(*dst), luma(*src), true,
        [](auto s, int x, int y) { return s.at(x, s.columns - 1 - y); });
