@@ -81,8 +81,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   auto src = frame(&input, wrong % 8 == 1 ? input.byte() : 0);
   auto dst = frame(&input, wrong % 8 == 2 ? input.byte() : 0);
   ImageStruct s = src.record;
-  if (wrong >> 3 & 1 &&
-      !refusedByCheck(&s)) {  // a destination of the same or the turned size
+  // A destination of the same or the turned size.
+  if (wrong >> 3 & 1 && !refusedByCheck(&s)) {
     const bool turned = wrong >> 4 & 1;
     const uint32_t w = turned ? s.height : s.width, h = turned ? s.width : s.height;
     dst = whole(dst.record.format, w, h);
@@ -94,7 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
       d.roiHeight = turned ? s.roiWidth : s.roiHeight;
     }
   }
-  if (direct) {  // nothing is checked there
+  if (direct) {  // that call checks nothing
     if (dst.record.format != FORMAT_YUV420SPVU) {
       dst = whole(FORMAT_YUV420SPVU, dst.record.width, dst.record.height);
     }

@@ -16,12 +16,12 @@ enum class Layout {
   kSemi422,        // chroma pairs of 4:2:2 at uvOffset
   kPlanarRead,     // the chroma planes at uvOffset
   kPlanarWritten,  // rows and planes rounded up to 16 bytes
-  kPacked2,        // two to four bytes for each pixel
-  kPacked3,
-  kPacked4,
-  kTiledRead,     // 16 x 16 tiles, chroma at uvOffset
-  kTiledWritten,  // the same, directly behind the luma
-  kBlock3         // the region alone, three bytes for each pixel
+  kPacked2,        // two bytes for each pixel
+  kPacked3,        // three bytes for each pixel
+  kPacked4,        // four bytes for each pixel
+  kTiledRead,      // 16 x 16 tiles, chroma at uvOffset
+  kTiledWritten,   // the same, directly behind the luma
+  kBlock3          // the region alone, three bytes for each pixel
 };
 
 // How the sizes of the two regions depend on each other.
