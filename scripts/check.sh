@@ -64,9 +64,9 @@ check_tsan() { sanitized tsan thread; }
 check_msan() { JOBS=$jobs scripts/fuzz.sh --memory "$seconds"; }
 
 check_valgrind() {
-  configure build-valgrind && cmake --build build-valgrind -j "$jobs" --target avx2_test &&
-    valgrind --quiet --error-exitcode=1 --track-origins=no \
-      build-valgrind/tests/avx2_test \
+  configure build-valgrind && cmake --build build-valgrind -j "$jobs" --target library_test &&
+    ZELM_INSTRUCTION_SET=avx2 valgrind --quiet --error-exitcode=1 --track-origins=no \
+      build-valgrind/tests/library_test \
       --gtest_filter='*StageTest*:Values.*:Pipeline.*-*.FormatTable:*.RandomScaling'
 }
 

@@ -1,6 +1,7 @@
 // Which instruction set the kernels run with: the choice, and where a call really ends
-// up in this build on this machine. The kernel here is compiled and picked like those
-// of the library.
+// up in this run on this machine. The kernel here is compiled and picked like those of
+// the library. The environment variable ZELM_INSTRUCTION_SET sets the ceiling of all
+// tests of the program: plain, sse4, avx2, avx512 or all.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "instruction_set_test.cc"
 #include "simd/each_target.h"  // before all others
@@ -39,14 +40,16 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 #include <gtest/gtest.h>
-#if defined(__x86_64__)
-#include <cpuid.h>
-#endif
+#include <stdlib.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <initializer_list>
 #include <string>
+
+#include "instruction_set_ceiling.h"
+#if defined(__x86_64__)
+#include "ask_processor.h"
+#endif
 
 namespace zelm {
 namespace {
@@ -54,17 +57,20 @@ namespace {
 // In the order of InstructionSet.
 [[maybe_unused]] const char* const names[] = {"plain code", "SSE4", "AVX2", "AVX-512",
                                               "AVX-512 with VBMI"};
-[[maybe_unused]] constexpr InstructionSet kCeiling = InstructionSet::ZELM_TEST_CEILING;
 
 std::string kernelRuns() { return ZELM_KERNEL(compiledFor)(); }
 
-// Said once by every run of the program.
-class SaysInstructionSet : public testing::Environment {
+// Sets the ceiling before the first test and prints once what follows from it.
+class SetsInstructionSet : public testing::Environment {
  public:
   void SetUp() override {
+    InstructionSet ceiling = instructionSetCeiling();
+    const char* name = getenv("ZELM_INSTRUCTION_SET");
+    ASSERT_TRUE(name == nullptr || findInstructionSet(name, &ceiling)) << name;
+    setInstructionSetCeiling(ceiling);
 #if defined(__x86_64__)
     printf("[   NOTE   ] allowed up to %s, runs with %s\n",
-           names[static_cast<int>(kCeiling)], kernelRuns().c_str());
+           names[static_cast<int>(ceiling)], kernelRuns().c_str());
 #else
     printf("[   NOTE   ] %d-bit code, runs with %s\n",
            static_cast<int>(8 * sizeof(void*)), kernelRuns().c_str());
@@ -73,7 +79,7 @@ class SaysInstructionSet : public testing::Environment {
   }
 };
 const auto* const environment =
-    testing::AddGlobalTestEnvironment(new SaysInstructionSet);
+    testing::AddGlobalTestEnvironment(new SetsInstructionSet);
 
 TEST(InstructionSet, ChoiceEndsAtTheFirstGapAndAtTheCeiling) {
   // The highest set for each combination of features, SSE4 being the lowest bit.
@@ -91,25 +97,9 @@ TEST(InstructionSet, ChoiceEndsAtTheFirstGapAndAtTheCeiling) {
 
 #if defined(__x86_64__)
 
-// What the processor says of itself, without the compiler's help.
-ProcessorFeatures askProcessor() {
-  unsigned a, b, c, d, b7, c7, saved = 0;
-  if (__get_cpuid(1, &a, &b, &c, &d) == 0) return {};
-  const auto all = [](unsigned word, std::initializer_list<int> bits) {
-    return std::all_of(bits.begin(), bits.end(),
-                       [word](int bit) { return (word >> bit & 1) != 0; });
-  };
-  const unsigned c1 = c;
-  // The registers that the operating system saves: upper halves, masks, upper zmm.
-  if (all(c1, {27})) asm volatile("xgetbv" : "=a"(saved), "=d"(d) : "c"(0));
-  if (__get_cpuid_count(7, 0, &a, &b7, &c7, &d) == 0) b7 = c7 = 0;
-  const bool ymm = all(saved, {1, 2}), zmm = ymm && all(saved, {5, 6, 7});
-  return {all(c1, {9, 19, 20}), ymm && all(c1, {12}) && all(b7, {3, 5, 8}),
-          zmm && all(b7, {16, 17, 30, 31}), zmm && all(c7, {1, 11})};
-}
-
-TEST(InstructionSet, IsTheHighestOfMachineAndBuild) {
-  const InstructionSet set = chooseInstructionSet(askProcessor(), kCeiling);
+TEST(InstructionSet, IsTheHighestUpToTheCeiling) {
+  const InstructionSet set =
+      chooseInstructionSet(askProcessor(), instructionSetCeiling());
   EXPECT_EQ(instructionSet(), set);
 #if ZELM_HIGHWAY
   // The compiler may take more for granted than was asked for.

@@ -6,7 +6,7 @@ target_include_directories(zelm_test_reference PUBLIC
   ${PROJECT_SOURCE_DIR}/include ${CMAKE_CURRENT_SOURCE_DIR})
 zelm_warnings(zelm_test_reference)
 
-# What is the same for all builds of the library's objects.
+# What needs nothing of the library but its header.
 add_library(zelm_comparisons OBJECT harness.cc memory.cc stages.cc
   stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
 target_link_libraries(zelm_comparisons PUBLIC
@@ -17,31 +17,36 @@ if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND
   target_sources(zelm_comparisons PRIVATE top_gigabyte.cc)
 endif()
 
-# zelm_library_tests(<prefix> <objects> <ceiling>)
-# All comparisons for one build of the library's objects, which runs at most the
-# instruction set <ceiling>; the names of the tests start with the prefix.
-function(zelm_library_tests prefix objects ceiling)
-  set(test ${prefix}_test)
-  add_executable(${test} instruction_set_test.cc)
-  target_include_directories(${test} PRIVATE ${PROJECT_SOURCE_DIR}/src)
-  target_compile_definitions(${test} PRIVATE ZELM_TEST_CEILING=${ceiling})
-  if(ZELM_VECTORS AND HIGHWAY_INCLUDE_DIR)
-    target_compile_definitions(${test} PRIVATE ZELM_HIGHWAY=1)
-    target_compile_options(${test} PRIVATE -idirafter ${HIGHWAY_INCLUDE_DIR})
-  endif()
-  zelm_warnings(${test})
-  target_link_options(${test} PRIVATE -Wl,--wrap=malloc,--wrap=free)
-  target_link_libraries(${test} PRIVATE zelm_comparisons ${objects})
-  gtest_discover_tests(${test} TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60)
+# One program, run with each instruction set as its ceiling.
+add_executable(library_test instruction_set_test.cc)
+if(ZELM_VECTORS AND HIGHWAY_INCLUDE_DIR)
+  target_compile_definitions(library_test PRIVATE ZELM_HIGHWAY=1)
+  target_compile_options(library_test PRIVATE -idirafter ${HIGHWAY_INCLUDE_DIR})
+endif()
+zelm_warnings(library_test)
+target_link_options(library_test PRIVATE -Wl,--wrap=malloc,--wrap=free)
+target_link_libraries(library_test PRIVATE zelm_comparisons zelm_objects_with_ceiling)
+
+# zelm_library_tests(<prefix> <instruction set>)
+# The names of the tests start with the prefix.
+function(zelm_library_tests prefix set)
+  gtest_discover_tests(library_test TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT ZELM_INSTRUCTION_SET=${set})
 endfunction()
 
-zelm_library_tests(library zelm_objects kAvx512Vbmi)
-foreach(set Avx512 Avx2 Sse4 Plain)
-  string(TOLOWER ${set} prefix)
-  if(TARGET zelm_objects_${prefix})
-    zelm_library_tests(${prefix} zelm_objects_${prefix} k${set})
-  endif()
-endforeach()
+zelm_library_tests(library all)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+  foreach(set avx512 avx2 sse4 plain)
+    zelm_library_tests(${set} ${set})
+  endforeach()
+
+  add_executable(library_choice_test library_choice_test.cc)
+  target_include_directories(library_choice_test PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(library_choice_test PRIVATE
+    zelm_imageutil_static GTest::gtest_main)
+  zelm_warnings(library_choice_test)
+  gtest_discover_tests(library_choice_test TEST_PREFIX library.)
+endif()
 
 # The public header in each language, and the shared library from C.
 foreach(standard 99 11)

@@ -1,41 +1,11 @@
+// The library's choice of the instruction set. It stands in a file of its own because
+// the programs of tests and benchmarks are linked with another one.
 #include "simd/instruction_set.h"
 
-// Lowered in builds that show what an older processor would do.
-#ifndef ZELM_HIGHEST_INSTRUCTION_SET
-#define ZELM_HIGHEST_INSTRUCTION_SET kAvx512Vbmi
-#endif
-
 namespace zelm {
-namespace {
-
-ProcessorFeatures processorFeatures() {
-#if defined(__x86_64__)
-  return {__builtin_cpu_supports("ssse3") && __builtin_cpu_supports("sse4.1") &&
-              __builtin_cpu_supports("sse4.2"),
-          __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
-              __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma"),
-          __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
-              __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw"),
-          __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vnni")};
-#else
-  return {};
-#endif
-}
-
-}  // namespace
-
-InstructionSet chooseInstructionSet(const ProcessorFeatures& features,
-                                    InstructionSet ceiling) {
-  const bool offered[] = {features.sse4, features.avx2, features.avx512, features.vbmi};
-  int best = 0;
-  while (best < 4 && offered[best]) ++best;
-  const InstructionSet highest = static_cast<InstructionSet>(best);
-  return highest < ceiling ? highest : ceiling;
-}
 
 InstructionSet instructionSet() {
-  return chooseInstructionSet(processorFeatures(),
-                              InstructionSet::ZELM_HIGHEST_INSTRUCTION_SET);
+  return chooseInstructionSet(processorFeatures(), InstructionSet::kAvx512Vbmi);
 }
 
 }  // namespace zelm

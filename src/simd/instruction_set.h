@@ -17,11 +17,16 @@ struct ProcessorFeatures {
                 // products added up
 };
 
-// The highest set that is offered with all below it, and not above `ceiling`.
+// The features of this machine.
+ProcessorFeatures processorFeatures();
+
+// The highest set that is offered together with all sets below it, and that is not
+// above `ceiling`.
 InstructionSet chooseInstructionSet(const ProcessorFeatures& features,
                                     InstructionSet ceiling);
 
-// The same for this machine. The answer never changes while a process runs.
+// The set that every call runs with: the highest one that this machine offers. The
+// answer never changes while a process runs.
 InstructionSet instructionSet();
 
 }  // namespace zelm
