@@ -45,7 +45,7 @@ bool countRow(bench::Row row) {
     return false;
   }
   count(row, "ours", [&] { row.ours(&dst.record, &src.record); });
-  for (const bench::Library& library : bench::libraries()) {
+  for (const bench::Library& library : bench::libraries(false)) {
     const bench::Peer peer = bench::peerFor(library, row.job);
     if (peer.run) count(row, peer.counted ? "libyuv" : "libyuv*", peer.run);
   }

@@ -4,7 +4,7 @@
 build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
 test_packages="$build_packages libgtest-dev googletest dpkg-dev file pkg-config"
 arm_packages="make cmake libhwy-dev googletest qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
-bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev"
+bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev libzimg-dev"
 count_packages="$arm_packages gcc dpkg-dev"
 android_packages="make cmake libhwy-dev clang-14 llvm-14 lld-14 qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
 package_packages="$build_packages dpkg-dev file pkg-config"
