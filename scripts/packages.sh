@@ -11,6 +11,7 @@ package_packages="$build_packages dpkg-dev file pkg-config"
 abi_packages="$build_packages abigail-tools"
 demo_packages="$build_packages ffmpeg"
 fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
+docs_packages="doxygen doxygen-awesome-css"
 format_packages="clang-format git"
 
 # Prints those of the packages that are not installed.
