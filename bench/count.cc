@@ -1,7 +1,8 @@
 // Calls steps of the library and of a peer once each between marks, for a plugin of the
 // emulator that counts the instructions in between (instruction_counter.c). Prints
-//   STEP SIZE <tab> ours, libyuv or libyuv* <tab> COUNT
-// where COUNT comes from the plugin and * marks a peer that is not counted.
+//   STEP,SIZE,FAMILY,WHO,COUNT
+// where WHO is ours, libyuv or, for a peer that answers another question, libyuv*, and
+// COUNT comes from the plugin.
 //   zelm-count [REGEX]    only rows whose name contains a match
 #include <stdio.h>
 #include <unistd.h>
@@ -26,7 +27,7 @@ void count(const bench::Row& row, const char* who, const std::function<void()>& 
   call();
   mark();
   call();
-  printf("%s\t%s\t", row.name().c_str(), who);
+  printf("%s,%s,%s,%s,", row.stage.c_str(), row.size.c_str(), row.family.c_str(), who);
   fflush(stdout);
   mark();
 }

@@ -158,20 +158,22 @@ const struct Pipeline {
     {"RGB565 to NV21 scaled", k565, k720p, kNv21, k1080p, RESIZE_LINEAR},
 };
 
+// Stages return nothing; pipelines return a code.
+std::function<int(ImageStruct*, ImageStruct*)> succeeding(StageFunction stage) {
+  return [stage](ImageStruct* dst, ImageStruct* src) {
+    stage(dst, src);
+    return 0;
+  };
+}
+
 Row stageRow(const Stage& stage, const Size& from, const Size& to) {
   Row row;
   row.stage = stage.name;
   row.family = stage.family;
   row.job = {stage.step, shape(stage.from, from.width, from.height),
              shape(stage.to, to.width, to.height), stage.parameter, stage.parameter};
-  row.ours = [f = stage.ours](ImageStruct* dst, ImageStruct* src) {
-    f(dst, src);
-    return 0;
-  };
-  row.expected = [f = stage.expected](ImageStruct* dst, ImageStruct* src) {
-    f(dst, src);
-    return 0;
-  };
+  row.ours = succeeding(stage.ours);
+  row.expected = succeeding(stage.expected);
   row.target = stage.target;
   row.roof = 0;
   return row;
