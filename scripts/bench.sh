@@ -2,8 +2,9 @@
 # Times the stages and pipelines and prints a table.
 #   scripts/bench.sh [peers|sets] [OPTION...] [REGEX]
 #   peers          beside other libraries; this is what is done without a word
-#   sets           the library alone, with each instruction set of the machine, and marks
-#                  where one with more instructions is slower; also --profile
+#   sets           the library alone, with each instruction set of the machine; rows where
+#                  one with more instructions is slower are measured again twice, and those
+#                  that are so each time are named; also --profile
 #   --quick        fewer and shorter repetitions
 #   --ceiling=SET  peers: the library is held to plain, sse4, avx2, avx512 or all; at avx2
 #                  the peers are held to AVX2, too
@@ -28,12 +29,17 @@ for argument in "$@"; do
     --ceiling=*) ceiling=${argument#*=} ;;
     --store) store=true ;;
     -*)
-      sed -n '3,14s/^# *//p' scripts/bench.sh >&2
+      sed -n '3,15s/^# *//p' scripts/bench.sh >&2
       exit 2
       ;;
     *) options+=("--rows=$argument") ;;
   esac
 done
+
+if $store && [ ${#options[@]} -gt 0 ]; then
+  echo "$0: what is stored has all rows at full length" >&2
+  exit 2
+fi
 
 build() {
   # shellcheck disable=SC2086  # a list of words
@@ -68,10 +74,7 @@ measure() {
     build-bench/bench/zelm-bench "${@:3}" "${options[@]}"
   } | tee "$file" | awk -f "bench/$2_table.awk"
   echo "Values: $file"
-  if $store && [ ${#options[@]} -gt 0 ]; then
-    echo "Not stored: that takes all rows at full length" >&2
-    exit 2
-  elif $store; then
+  if $store; then
     mkdir -p bench/results
     cp "$file" bench/results/
   fi
@@ -86,7 +89,21 @@ measure_peers() {
   measure "$name" peers "--ceiling=$ceiling"
 }
 
-measure_sets() { measure "$(kind)-instruction-sets" sets --sets; }
+measure_sets() {
+  local name slow
+  name=$(kind)-instruction-sets
+  measure "$name" sets --sets
+  for _ in once twice; do
+    slow=$(awk -v marked=1 -f bench/sets_table.awk "build-bench/$name.csv")
+    [ -n "$slow" ] || break
+    echo "Measured again:"
+    options+=("--rows=^($(paste -s -d '|' <<<"$slow"))\$")
+    store=false name=again
+    measure $name sets --sets
+  done
+  slow=$(awk -v marked=1 -f bench/sets_table.awk "build-bench/$name.csv")
+  echo "Slower with more instructions, each time: ${slow:-none}"
+}
 
 build >&2
 "measure_$word"
