@@ -60,7 +60,7 @@ processor_file() {
 # run TARGET EMULATOR PROCESSOR: lines of target, step, size, family, contender and count.
 run() {
   "$2" -L "$work/root" -cpu "$3" -plugin "$work/counter.so" \
-    "$work/$1/bench/zelm-count" "${regex[@]}" | sed -n "/,.*,.*,/s/^/$1,/p"
+    "$work/$1/bench/zelm-count" "${regex[@]}" | sed "s/^/$1,/"
 }
 
 # A line for each row.
