@@ -16,7 +16,8 @@ function begin(line) {
     if (!in_comment) line = line " */"
   } else {
     sub(/\/\*/, "/**", line)
-    sub(/^\/\*\* [A-Za-z0-9_]+ - /, "/** ", line)  # the name stands beside it anyway
+    if (match(line, /^\/\*\* [A-Za-z0-9_]+ - /))  # the name stands beside it anyway
+      line = "/** " toupper(substr(line, RLENGTH + 1, 1)) substr(line, RLENGTH + 2)
   }
   return line
 }
@@ -29,6 +30,7 @@ in_comment {
   in_comment = !sub(/ *\*\/ *$/, "")
   sub(/^ *\* ?/, "")
   verbatim($0 ~ /^  /)
+  if (!is_verbatim) gsub(/#/, "\\#")  # or it would be a link
   print
   if (!in_comment) { verbatim(0); print "*/" }
   next

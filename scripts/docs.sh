@@ -7,7 +7,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # shellcheck disable=SC2086  # a list of words
 require_packages $docs_packages
-version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+version=$(sed -n 's/^#define ZELM_IMAGEUTIL_VERSION_[A-Z]* //p' include/zelm_imageutil.h |
+  paste -s -d .)
 rm -rf build-docs
 mkdir build-docs
 {
