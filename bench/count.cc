@@ -1,7 +1,8 @@
 // Calls steps of the library and of a peer once each between marks, for a plugin of the
 // emulator that counts the instructions in between (instruction_counter.c). Prints
-//   STEP SIZE <tab> ours, libyuv or libyuv* <tab> COUNT
-// where COUNT comes from the plugin and * marks a peer that is not counted.
+//   STEP,SIZE,FAMILY,WHO,COUNT
+// where WHO is ours, libyuv or, for a peer that answers another question, libyuv*, and
+// COUNT comes from the plugin.
 //   zelm-count [REGEX]    only rows whose name contains a match
 #include <stdio.h>
 #include <unistd.h>
@@ -19,16 +20,17 @@ bool shortEnough(const bench::Row& row) {
          row.size != "1920x1080";
 }
 
-void mark() { syscall(0x7E1); }
+enum Mark { kBegin, kEnd };
+void mark(Mark which) { syscall(0x7E1, which); }
 
-// The first call resolves symbols and is not shown.
+// The first call resolves symbols and is not counted.
 void count(const bench::Row& row, const char* who, const std::function<void()>& call) {
   call();
-  mark();
-  call();
-  printf("%s\t%s\t", row.name().c_str(), who);
+  printf("%s,%s,%s,%s,", row.stage.c_str(), row.size.c_str(), row.family.c_str(), who);
   fflush(stdout);
-  mark();
+  mark(kBegin);
+  call();
+  mark(kEnd);
 }
 
 bool countRow(bench::Row row) {
@@ -45,7 +47,7 @@ bool countRow(bench::Row row) {
     return false;
   }
   count(row, "ours", [&] { row.ours(&dst.record, &src.record); });
-  for (const bench::Library& library : bench::libraries()) {
+  for (const bench::Library& library : bench::libraries(false)) {
     const bench::Peer peer = bench::peerFor(library, row.job);
     if (peer.run) count(row, peer.counted ? "libyuv" : "libyuv*", peer.run);
   }

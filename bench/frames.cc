@@ -1,3 +1,4 @@
+// Memory, content and layouts of the frames that are measured.
 #include "frames.h"
 
 #include <stdlib.h>

@@ -1,6 +1,6 @@
-// A plugin for qemu-user that counts the instructions that a program executes. Each
-// time the program asks for the system call kMark, which does not exist, what was
-// counted since the last time is written to the standard output.
+// A plugin for qemu-user that counts the instructions that a program executes between
+// two requests for the system call kMark, which does not exist. With the argument 0 it
+// begins to count, with 1 it writes to the standard output what it has counted.
 #include <inttypes.h>
 #include <stddef.h>
 #include <stdio.h>
@@ -31,11 +31,12 @@ static void onTranslation(qemu_plugin_id_t id, struct qemu_plugin_tb* block) {
 static void onSystemCall(qemu_plugin_id_t id, unsigned cpu, int64_t number, uint64_t a,
                          uint64_t b, uint64_t c, uint64_t d, uint64_t e, uint64_t f,
                          uint64_t g, uint64_t h) {
-  (void)id, (void)cpu, (void)a, (void)b, (void)c, (void)d, (void)e, (void)f, (void)g,
-      (void)h;
+  (void)id, (void)cpu, (void)b, (void)c, (void)d, (void)e, (void)f, (void)g, (void)h;
   if (number != kMark) return;
-  printf("%" PRIu64 "\n", executed);
-  fflush(stdout);
+  if (a != 0) {
+    printf("%" PRIu64 "\n", executed);
+    fflush(stdout);
+  }
   executed = 0;
 }
 

@@ -1,25 +1,42 @@
-// Times every stage and pipeline beside other libraries and prints a table.
+// Times every stage and pipeline, beside other libraries or with one instruction set
+// after the other, and prints comma-separated values.
 #include <stdio.h>
+#include <string.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <iostream>
 #include <regex>
 
 #include "measure.h"
-#include "table.h"
 
 namespace {
 
+using zelm::InstructionSet;
+
 constexpr char kUsage[] =
-    "usage: zelm-bench [--quick] [--list | --differences | --times] [--rows=REGEX]\n"
+    "usage: zelm-bench [--quick] [--ceiling=SET | --sets | --list] [--rows=REGEX]\n"
     "  --quick        fewer and shorter repetitions\n"
     "  --rows=REGEX   only rows whose name contains a match\n"
     "  --list         print the names of the rows\n"
-    "  --differences  how far the peers' outputs are from ours; nothing is timed\n"
-    "  --times        our times alone: name, tab, nanoseconds\n";
+    "  --ceiling=SET  the library runs at most this instruction set: plain, sse4, "
+    "avx2,\n"
+    "                 avx512 or all. Peers are held to AVX2 along with it, apart from\n"
+    "                 OpenCV, and are not asked below that.\n"
+    "  --sets         the library alone, with each of these instruction sets\n";
+
+const char* const kPeers[] = {"libyuv", "OpenCV", "swscale", "zimg"};
+const char* const kSets[] = {"plain", "sse4", "avx2", "avx512", "all"};
+
+InstructionSet setNamed(const char* name) {
+  InstructionSet set;
+  if (!zelm::findInstructionSet(name, &set)) throw std::invalid_argument(name);
+  return set;
+}
 
 struct Options {
-  bool quick = false, list = false, differences = false, times = false;
+  bool quick = false, list = false, sets = false;
+  std::string ceiling = "all";
   std::regex rows = std::regex(".");
 };
 
@@ -30,10 +47,10 @@ bool parse(int count, char** arguments, Options* options) {
       options->quick = true;
     } else if (a == "--list") {
       options->list = true;
-    } else if (a == "--differences") {
-      options->differences = true;
-    } else if (a == "--times") {
-      options->times = true;
+    } else if (a == "--sets") {
+      options->sets = true;
+    } else if (a.compare(0, 10, "--ceiling=") == 0) {
+      options->ceiling = a.substr(10);
     } else if (a.compare(0, 7, "--rows=") == 0) {
       options->rows = std::regex(a.substr(7));
     } else {
@@ -48,42 +65,105 @@ void showProgress(const std::string& text) {
   if (isatty(STDERR_FILENO)) fprintf(stderr, "\r\033[K%s", text.c_str());
 }
 
+void printNanoseconds(double time) { printf(",%.0f", time); }
+
+void printHeading(const Options& options, const bench::Effort& effort,
+                  const std::vector<bench::Library>& peers) {
+  fputs(bench::machine().c_str(), stdout);
+  if (!options.sets) {
+    printf("# peers:");
+    for (const bench::Library& peer : peers) printf(" %s;", peer.version.c_str());
+    printf(" memcpy of the C library\n");
+  }
+  printf(
+      "# times: nanoseconds of one thread; the lower quartile of %d repetitions of"
+      " %.0f ms or more, contenders in random order\n",
+      effort.repetitions, effort.seconds * 1000);
+  printf("stage,size,family");
+  if (options.sets) {
+    for (const char* set : kSets) printf(",%s_ns", set);
+    puts("");
+    return;
+  }
+  puts(
+      ",ceiling,ours_ns,memcpy_ns,libyuv_ns,opencv_ns,swscale_ns,zimg_ns,best_peer,"
+      "ratio,target,memcpy_target,not_counted,remarks,psnr_db");
+}
+
+// Sets that the processor lacks run as the highest one that it has.
+void printSets(const bench::Row& row, const bench::Result& result) {
+  printf("%s,%s,%s", row.stage.c_str(), row.size.c_str(), row.family.c_str());
+  for (const double time : result.times) printNanoseconds(time);
+  puts("");
+}
+
+void printPeers(const bench::Row& row, const std::string& ceiling,
+                const bench::Result& result) {
+  printf("%s,%s,%s,%s", row.stage.c_str(), row.size.c_str(), row.family.c_str(),
+         ceiling.c_str());
+  printNanoseconds(result.times[0]);
+  printNanoseconds(result.memcpyTime);
+  std::string notCounted, remarks, differences;
+  for (const char* const name : kPeers) {
+    const bench::PeerResult* const peer = result.find(name);
+    if (peer == nullptr) {
+      printf(",");
+      continue;
+    }
+    printNanoseconds(peer->time);
+    const auto add = [name](std::string* list, const std::string& text) {
+      *list += (list->empty() ? "" : "; ") + (name + (": " + text));
+    };
+    if (!peer->remark.empty())
+      add(peer->counted ? &remarks : &notCounted, peer->remark);
+    char psnr[32] = "equal";
+    if (!std::isinf(peer->difference)) {
+      snprintf(psnr, sizeof psnr, "%.1f", peer->difference);
+    }
+    add(&differences, psnr);
+  }
+  if (const bench::PeerResult* const best = result.best()) {
+    printf(",%s,%.3f,%.2f", best->library.c_str(), best->time / result.times[0],
+           row.target);
+  } else {
+    printf(",,,");
+  }
+  printf(row.roof > 0 ? ",%.2f" : ",", row.roof);
+  printf(",%s,%s,%s\n", notCounted.c_str(), remarks.c_str(), differences.c_str());
+}
+
 int run(const Options& options) {
   const bench::Effort effort =
       options.quick ? bench::Effort{5, 0.008} : bench::Effort{25, 0.02};
-  const bench::Mode mode = options.times         ? bench::Mode::kOurTimeOnly
-                           : options.differences ? bench::Mode::kDifferencesOnly
-                                                 : bench::Mode::kEverything;
   bench::prepare(effort);
-  bench::Measured measured;
+  bench::Ceilings ceilings = {setNamed(options.ceiling.c_str())};
+  std::vector<bench::Library> peers;
+  if (options.sets) {
+    ceilings.clear();
+    for (const char* set : kSets) ceilings.push_back(setNamed(set));
+  } else if (ceilings[0] >= InstructionSet::kAvx2) {
+    peers = bench::libraries(ceilings[0] == InstructionSet::kAvx2);
+  }
+  if (!options.list) printHeading(options, effort, peers);
   int wrong = 0;
   for (const bench::Row& row : bench::allRows()) {
     if (!std::regex_search(row.name(), options.rows)) continue;
     if (options.list) {
-      std::cout << row.name() << "\n";
+      puts(row.name().c_str());
       continue;
     }
     showProgress(row.name());
-    const bench::Result result = bench::measure(row, mode);
+    const bench::Result result = bench::measure(row, ceilings, peers);
+    showProgress("");
     if (!result.correct) {
-      showProgress("");
       fprintf(stderr, "%s: wrong output, not timed\n", row.name().c_str());
       ++wrong;
-    } else if (options.times) {
-      std::cout << row.name() << "\t" << result.time << "\n";
+    } else if (options.sets) {
+      printSets(row, result);
     } else {
-      measured.emplace_back(row, result);
+      printPeers(row, options.ceiling, result);
     }
-  }
-  showProgress("");
-  if (options.differences) {
-    bench::printDifferences(measured, std::cout);
-  } else if (!options.list && !options.times) {
-    std::cout << bench::machine() << "Each time is the lower quartile of "
-              << effort.repetitions << " repetitions of at least "
-              << effort.seconds * 1000
-              << " ms (processor time, one thread, contenders in random order).\n\n";
-    bench::printTable(measured, std::cout);
+    fflush(stdout);
   }
   return wrong == 0 ? 0 : 1;
 }
@@ -94,7 +174,7 @@ int main(int count, char** arguments) {
   Options options;
   try {
     if (parse(count, arguments, &options)) return run(options);
-  } catch (const std::regex_error& error) {
+  } catch (const std::exception& error) {  // of a regular expression or a set's name
     fprintf(stderr, "zelm-bench: %s\n", error.what());
   }
   fputs(kUsage, stderr);

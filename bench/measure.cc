@@ -1,3 +1,4 @@
+// Checks rows against the plain rules and times their contenders with Google Benchmark.
 #include "measure.h"
 
 #include <benchmark/benchmark.h>
@@ -34,9 +35,11 @@ class LowerQuartile : public benchmark::BenchmarkReporter {
   std::map<std::string, std::vector<double>> times_;
 };
 
-void contend(const std::string& name, std::function<void()> run) {
+void contend(const std::string& name, zelm::InstructionSet ceiling,
+             std::function<void()> run) {
   benchmark::RegisterBenchmark(name.c_str(),
-                               [run](benchmark::State& state) {
+                               [=](benchmark::State& state) {
+                                 zelm::setInstructionSetCeiling(ceiling);
                                  for (auto _ : state) {
                                    run();
                                    benchmark::ClobberMemory();
@@ -93,7 +96,7 @@ std::string fromFile(const char* path, const std::string& key) {
   for (std::string line; std::getline(file, line);) {
     if (line.compare(0, key.size(), key) == 0) return line.substr(line.find(':') + 2);
   }
-  return "unknown processor";
+  return "unknown";
 }
 
 }  // namespace
@@ -104,6 +107,13 @@ const PeerResult* Result::best() const {
     if (p.counted && (best == nullptr || p.time < best->time)) best = &p;
   }
   return best;
+}
+
+const PeerResult* Result::find(const std::string& library) const {
+  for (const PeerResult& p : peers) {
+    if (p.library == library) return &p;
+  }
+  return nullptr;
 }
 
 void prepare(const Effort& effort) {
@@ -117,55 +127,67 @@ void prepare(const Effort& effort) {
   benchmark::Initialize(&count, arguments.data());
 }
 
-Result measure(const Row& row, Mode mode) {
+Result measure(const Row& row, const Ceilings& ceilings,
+               const std::vector<Library>& peers) {
   Result result = {};
   const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
   Frame src(row.job.src, Buffer::kSource, moved);
   Frame dst(row.job.dst, Buffer::kDestination, moved);
   uint8_t *const from = src.record.data, *const to = dst.record.data;
   paint(src);
-  result.correct = correct(row, src.record, dst.record);
-  if (!result.correct) return result;
+  for (const zelm::InstructionSet ceiling : ceilings) {
+    zelm::setInstructionSetCeiling(ceiling);
+    if (!correct(row, src.record, dst.record)) return result;
+  }
+  result.correct = true;
   const std::vector<uint8_t> ours(to, to + dst.record.dataSize);
 
   benchmark::ClearRegisteredBenchmarks();
-  const std::string prefix = row.name() + "/";
-  contend(prefix + "ours", [&] { row.ours(&dst.record, &src.record); });
-  if (mode != Mode::kOurTimeOnly) {
-    contend(prefix + "memcpy", [=] { memcpy(to, from, moved); });
-    Job job = row.job;
-    job.src = src.record;
-    job.dst = dst.record;
-    for (const Library& library : libraries()) {
-      const Peer peer = peerFor(library, job);
-      if (peer.run == nullptr) continue;
-      peer.run();
-      result.peers.push_back({library.name, peer.remark, peer.counted, 0,
-                              difference(row, peer, ours.data(), to)});
-      contend(prefix + library.name, peer.run);
-    }
+  const auto nameOf = [&row](const std::string& who) { return row.name() + "/" + who; };
+  for (size_t i = 0; i < ceilings.size(); ++i) {
+    contend(nameOf(std::to_string(i)), ceilings[i],
+            [&] { row.ours(&dst.record, &src.record); });
   }
-  if (mode == Mode::kDifferencesOnly) return result;
+  contend(nameOf("memcpy"), ceilings[0], [=] { memcpy(to, from, moved); });
+  Job job = row.job;
+  job.src = src.record;
+  job.dst = dst.record;
+  for (const Library& library : peers) {
+    const Peer peer = peerFor(library, job);
+    if (peer.run == nullptr) continue;
+    peer.run();
+    result.peers.push_back({library.name, peer.remark, peer.counted, 0,
+                            difference(row, peer, ours.data(), to)});
+    contend(nameOf(library.name), ceilings[0], peer.run);
+  }
 
   LowerQuartile times;
   benchmark::RunSpecifiedBenchmarks(&times, ".");
-  result.time = times.of(prefix + "ours");
-  if (mode == Mode::kOurTimeOnly) return result;
-  result.roof = times.of(prefix + "memcpy");
-  for (PeerResult& p : result.peers) p.time = times.of(prefix + p.library);
+  for (size_t i = 0; i < ceilings.size(); ++i) {
+    result.times.push_back(times.of(nameOf(std::to_string(i))));
+  }
+  result.memcpyTime = times.of(nameOf("memcpy"));
+  for (PeerResult& p : result.peers) p.time = times.of(nameOf(p.library));
   return result;
 }
 
 std::string machine() {
-  std::string text = "Processor: " + fromFile("/proc/cpuinfo", "model name");
+  std::string text = "# processor: " + fromFile("/proc/cpuinfo", "model name");
+  for (const char* field : {"cpu family", "model"}) {
+    text +=
+        "; " + (field + (" " + fromFile("/proc/cpuinfo", std::string(field) + "\t")));
+  }
   for (const auto& cache : benchmark::CPUInfo::Get().caches) {
     if (cache.type == "Instruction") continue;
-    text += ", L" + std::to_string(cache.level) + " " +
+    text += "; L" + std::to_string(cache.level) + " " +
             std::to_string(cache.size >> 10) + " KiB";
   }
-  text += "  \nCompiler: " __VERSION__ "  \nPeers: ";
-  for (const Library& library : libraries()) text += library.version + ", ";
-  return text + "memcpy of the C library\n";
+#ifndef __clang__
+  text += "\n# compiler: GCC " __VERSION__;
+#else
+  text += "\n# compiler: " __VERSION__;
+#endif
+  return text + "\n";
 }
 
 }  // namespace bench

@@ -3,8 +3,10 @@
 #define ZELM_BENCH_MEASURE_H
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "instruction_set_ceiling.h"
 #include "rows.h"
 
 namespace bench {
@@ -18,11 +20,14 @@ struct PeerResult {
 
 struct Result {
   bool correct;  // our output is the reference's; nothing is timed otherwise
-  double time, roof;
+  std::vector<double> times;  // ours in nanoseconds, at each ceiling
+  double memcpyTime;
   std::vector<PeerResult> peers;
 
   // The fastest peer that counts; null when there is none.
   const PeerResult* best() const;
+  // Null when the library was not asked or has no such step.
+  const PeerResult* find(const std::string& library) const;
 };
 
 struct Effort {
@@ -32,11 +37,15 @@ struct Effort {
 
 void prepare(const Effort& effort);
 
-enum class Mode { kEverything, kOurTimeOnly, kDifferencesOnly };
-// All contenders read the same memory and write the same memory.
-Result measure(const Row& row, Mode mode);
+// Highest instruction sets that the library is measured with, in turn.
+using Ceilings = std::vector<zelm::InstructionSet>;
 
-// Processor, compiler and libraries, as Markdown.
+// Checks and times a row. All contenders read the same memory and write the same
+// memory.
+Result measure(const Row& row, const Ceilings& ceilings,
+               const std::vector<Library>& peers);
+
+// Processor and compiler, as two lines of comment.
 std::string machine();
 
 }  // namespace bench

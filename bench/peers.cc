@@ -1,3 +1,4 @@
+// The libraries that were found, and pipelines that are made of their steps.
 #include "peers.h"
 
 #include <algorithm>
@@ -102,7 +103,7 @@ class Chain {
 
 }  // namespace
 
-std::vector<Library> libraries() {
+std::vector<Library> libraries([[maybe_unused]] bool upToAvx2) {
   return {
 #ifdef ZELM_BENCH_LIBYUV
       libyuvLibrary(),
@@ -112,6 +113,9 @@ std::vector<Library> libraries() {
 #endif
 #ifdef ZELM_BENCH_SWSCALE
       swscaleLibrary(),
+#endif
+#ifdef ZELM_BENCH_ZIMG
+      zimgLibrary(upToAvx2),
 #endif
   };
 }

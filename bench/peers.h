@@ -63,8 +63,9 @@ struct Library {
   Peer (*offer)(const Job& job);
 };
 
-// Those that were found when this was built.
-std::vector<Library> libraries();
+// Those that were found when this was built. OpenCV is held to AVX2 by its environment
+// variable OPENCV_CPU_DISABLE instead; libyuv and swscale contain nothing above AVX2.
+std::vector<Library> libraries(bool upToAvx2);
 
 // The library's way to do the job. A pipeline is made of its steps unless it has one
 // call for all; memory in between is taken beforehand.
@@ -73,6 +74,7 @@ Peer peerFor(const Library& library, const Job& job);
 Library libyuvLibrary();
 Library opencvLibrary();
 Library swscaleLibrary();
+Library zimgLibrary(bool upToAvx2);
 
 // The job halves both sides exactly.
 inline bool halves(const Job& job) {

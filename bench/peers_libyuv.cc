@@ -1,3 +1,4 @@
+// libyuv: stages, and steps of pipelines.
 #include <libyuv.h>
 #include <libyuv/scale_rgb.h>
 
@@ -62,7 +63,7 @@ Peer toRgb(const Job& job, const View& s, const View& d) {
             convert(s.y, s.w, s.uv, s.w, d.y, bytes * d.w, &libyuv::kYvuJPEGConstants,
                     s.w, s.h);
           },
-          "chroma repeated, not interpolated"};
+          "chroma repeated instead of interpolated"};
 }
 
 // In bands of rows, so that the planes in between stay in the cache.

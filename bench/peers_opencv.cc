@@ -1,3 +1,4 @@
+// OpenCV: stages, and steps of pipelines.
 #include <opencv2/core.hpp>
 #include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
@@ -37,7 +38,7 @@ Peer resized(const Job& job, const Mat& from, Mat to) {
 }
 
 Peer toRgb(const Job& job, View s, View d) {
-  const char* const remark = "studio range, chroma repeated";
+  const char* const remark = "studio range and chroma repeated";
   const bool alpha = job.dst.format == FORMAT_RGBA8888;
   const int code = job.src.format == FORMAT_YUV420SPVU
                        ? (alpha ? cv::COLOR_YUV2RGBA_NV21 : cv::COLOR_YUV2RGB_NV21)

@@ -1,3 +1,4 @@
+// swscale: stages, and whole pipelines in one call.
 extern "C" {
 #include <libswscale/swscale.h>
 }

@@ -1,3 +1,4 @@
+// The table of all stages and pipelines that are measured.
 #include "rows.h"
 
 #include "frames.h"
@@ -23,7 +24,7 @@ std::string text(const Size& s) {
 using StageFunction = void (*)(ImageStruct* dst, ImageStruct* src);
 
 struct Stage {
-  const char* name;
+  const char *family, *name;
   Step step;
   uint32_t from, to;
   StageFunction ours, expected;
@@ -34,62 +35,74 @@ struct Stage {
 #define BOTH(name) ::name, reference::name
 
 const Stage kStages[] = {
-    {"copy", Step::kCopy, kNv21, kNv21, BOTH(convYUV420SP_YUV420SP), 1.0, 0},
-    {"swap", Step::kSwap, kNv21, kNv12, BOTH(convYUV420SP_VU2UV), 1.0, 0},
-    {"planar out", Step::kToPlanar, kNv21, k420P, BOTH(convYUV420SP_YUV420P), 1.0, 0},
-    {"planar in", Step::kFromPlanar, k420P, kNv21, BOTH(convYUV420P_YUV420SP), 1.0, 0},
-    {"4:2:2", Step::kTo422, kNv12, kNv16, BOTH(convYUV420SP_YUV422SP), 1.2, 0},
-    {"4:2:2 swapped", Step::kTo422Swapped, kNv21, kNv16,
+    {"copies", "copy", Step::kCopy, kNv21, kNv21, BOTH(convYUV420SP_YUV420SP), 1.0, 0},
+    {"copies", "swap", Step::kSwap, kNv21, kNv12, BOTH(convYUV420SP_VU2UV), 1.0, 0},
+    {"copies", "planar out", Step::kToPlanar, kNv21, k420P, BOTH(convYUV420SP_YUV420P),
+     1.0, 0},
+    {"copies", "planar in", Step::kFromPlanar, k420P, kNv21, BOTH(convYUV420P_YUV420SP),
+     1.0, 0},
+    {"4:2:2 and UYVY", "4:2:2", Step::kTo422, kNv12, kNv16, BOTH(convYUV420SP_YUV422SP),
+     1.2, 0},
+    {"4:2:2 and UYVY", "4:2:2 swapped", Step::kTo422Swapped, kNv21, kNv16,
      BOTH(convYUV420SP_YUV422SP_VU2UV), 1.2, 0},
-    {"UYVY in", Step::kFromUyvy, kUyvy, kNv21, BOTH(convYUV422IUYVY_YUV420SPVU), 1.3,
+    {"4:2:2 and UYVY", "UYVY in", Step::kFromUyvy, kUyvy, kNv21,
+     BOTH(convYUV422IUYVY_YUV420SPVU), 1.3, 0},
+    {"RGB in", "RGB565 in", Step::kFromRgb565, k565, kNv21, BOTH(convRGB565_YUV420SPVU),
+     2.0, 0},
+    {"RGB out", "RGBA8888 out", Step::kToRgb, kNv21, kRgba, BOTH(convYUV420SP_RGBA8888),
+     1.0, 0},
+    {"RGB out", "RGB888 out", Step::kToRgb, kNv21, k888, BOTH(convYUV420SP_RGB888), 1.4,
      0},
-    {"RGB565 in", Step::kFromRgb565, k565, kNv21, BOTH(convRGB565_YUV420SPVU), 2.0, 0},
-    {"RGBA8888 out", Step::kToRgb, kNv21, kRgba, BOTH(convYUV420SP_RGBA8888), 1.0, 0},
-    {"RGB888 out", Step::kToRgb, kNv21, k888, BOTH(convYUV420SP_RGB888), 1.4, 0},
-    {"RGB565 out", Step::kToRgb, kNv21, k565, BOTH(convYUV420SP_RGB565), 2.0, 0},
-    {"tiles in", Step::kFromTiles, kTiled, kNv21, BOTH(convYUV420SPMB_YUV420SPVU), 1.15,
+    {"RGB out", "RGB565 out", Step::kToRgb, kNv21, k565, BOTH(convYUV420SP_RGB565), 2.0,
      0},
-    {"tiles out", Step::kToTiles, kNv21, kTiled, BOTH(convYUV420SPVU_YUV420SPMB), 1.15,
-     0},
-    {"box by 2", Step::kBox, kNv21, kNv21, BOTH(resize_averageOfPixel2_420LP), 1.4, 1},
-    {"box by 4", Step::kBox, kNv21, kNv21, BOTH(resize_averageOfPixel4_420LP), 1.5, 2},
-    {"upright copy", Step::kRotate, kNv21, kNv21, BOTH(rotate0_Y), 1.0, ROTATE_0},
-    {"quarter turn 90", Step::kRotate, kNv21, kNv21, BOTH(rotate90_Y), 1.8, ROTATE_90},
-    {"quarter turn 270", Step::kRotate, kNv21, kNv21, BOTH(rotate270_Y), 1.8,
+    {"tiles", "tiles in", Step::kFromTiles, kTiled, kNv21,
+     BOTH(convYUV420SPMB_YUV420SPVU), 1.15, 0},
+    {"tiles", "tiles out", Step::kToTiles, kNv21, kTiled,
+     BOTH(convYUV420SPVU_YUV420SPMB), 1.15, 0},
+    {"box averages", "box by 2", Step::kBox, kNv21, kNv21,
+     BOTH(resize_averageOfPixel2_420LP), 1.4, 1},
+    {"box averages", "box by 4", Step::kBox, kNv21, kNv21,
+     BOTH(resize_averageOfPixel4_420LP), 1.5, 2},
+    {"copies", "upright copy", Step::kRotate, kNv21, kNv21, BOTH(rotate0_Y), 1.0,
+     ROTATE_0},
+    {"turns", "quarter turn 90", Step::kRotate, kNv21, kNv21, BOTH(rotate90_Y), 1.8,
+     ROTATE_90},
+    {"turns", "quarter turn 270", Step::kRotate, kNv21, kNv21, BOTH(rotate270_Y), 1.8,
      ROTATE_270},
-    {"half turn", Step::kRotate, kNv21, kNv21, BOTH(rotate180_Y), 1.25, ROTATE_180},
+    {"turns", "half turn", Step::kRotate, kNv21, kNv21, BOTH(rotate180_Y), 1.25,
+     ROTATE_180},
 };
 
 const struct Scaler {
   Stage stage;  // its target is the one for reducing
   double enlarging, halving;
 } kScalers[] = {
-    {{"nearest luma", Step::kScaleLuma, kNv21, kNv21, BOTH(resize_nearest), 8,
-      RESIZE_NEAREST},
+    {{"nearest", "nearest luma", Step::kScaleLuma, kNv21, kNv21, BOTH(resize_nearest),
+      8, RESIZE_NEAREST},
      8,
      8},
-    {{"nearest chroma", Step::kScaleChroma, kNv21, kNv21, BOTH(resize_nearestVU), 4,
-      RESIZE_NEAREST},
+    {{"nearest", "nearest chroma", Step::kScaleChroma, kNv21, kNv21,
+      BOTH(resize_nearestVU), 4, RESIZE_NEAREST},
      4,
      4},
-    {{"bilinear luma", Step::kScaleLuma, kNv21, kNv21, BOTH(resize_linear), 4,
-      RESIZE_LINEAR},
+    {{"bilinear", "bilinear luma", Step::kScaleLuma, kNv21, kNv21, BOTH(resize_linear),
+      4, RESIZE_LINEAR},
      3,
      1},
-    {{"bilinear chroma", Step::kScaleChroma, kNv21, kNv21, BOTH(resize_linearVU), 4,
-      RESIZE_LINEAR},
+    {{"bilinear", "bilinear chroma", Step::kScaleChroma, kNv21, kNv21,
+      BOTH(resize_linearVU), 4, RESIZE_LINEAR},
      4,
      4},
-    {{"bilinear 3-channel", Step::kScaleRgb, k888, k888, BOTH(resize_linear3ch), 4,
-      RESIZE_LINEAR},
+    {{"bilinear", "bilinear 3-channel", Step::kScaleRgb, k888, k888,
+      BOTH(resize_linear3ch), 4, RESIZE_LINEAR},
      4,
      4},
-    {{"bicubic luma", Step::kScaleLuma, kNv21, kNv21, BOTH(resize_cubic), 2,
+    {{"bicubic", "bicubic luma", Step::kScaleLuma, kNv21, kNv21, BOTH(resize_cubic), 2,
       RESIZE_CUBIC},
      1.8,
      2},
-    {{"bicubic chroma", Step::kScaleChroma, kNv21, kNv21, BOTH(resize_cubicVU), 8,
-      RESIZE_CUBIC},
+    {{"bicubic", "bicubic chroma", Step::kScaleChroma, kNv21, kNv21,
+      BOTH(resize_cubicVU), 8, RESIZE_CUBIC},
      8,
      8},
 };
@@ -119,20 +132,25 @@ const struct Pipeline {
     {"NV12 scaled", kNv12, k1080p, kNv12, k720p, RESIZE_LINEAR},
     {"NV12 reduced to NV21", kNv12, k2160p, kNv21, k1080p, RESIZE_LINEAR},
     {"NV21 scaled to RGBA8888", kNv21, k1080p, kRgba, k720p, RESIZE_LINEAR},
-    {"NV21 scaled to RGB888, nearest",
+    {"NV21 scaled to RGB888 by nearest",
      kNv21,
      k1080p,
      k888,
      {1000, 562},
      RESIZE_NEAREST},
-    {"NV21 scaled to RGBA8888, bicubic",
+    {"NV21 scaled to RGBA8888 by bicubic",
      kNv21,
      kVga,
      kRgba,
      {1440, 1080},
      RESIZE_CUBIC},
-    {"NV21 reduced, scaled to RGBA8888", kNv21, k2160p, kRgba, k720p, RESIZE_LINEAR},
-    {"NV21 reduced, scaled to RGB565", kNv21, k2160p, k565, {320, 180}, RESIZE_LINEAR},
+    {"NV21 reduced and scaled to RGBA8888", kNv21, k2160p, kRgba, k720p, RESIZE_LINEAR},
+    {"NV21 reduced and scaled to RGB565",
+     kNv21,
+     k2160p,
+     k565,
+     {320, 180},
+     RESIZE_LINEAR},
     {"NV21 to tiles", kNv21, k1080p, kTiled, k1080p, RESIZE_LINEAR},
     {"tiles to NV21 scaled", kTiled, k1080p, kNv21, k720p, RESIZE_LINEAR},
     {"UYVY to NV21 scaled", kUyvy, k1080p, kNv21, k720p, RESIZE_LINEAR},
@@ -140,19 +158,22 @@ const struct Pipeline {
     {"RGB565 to NV21 scaled", k565, k720p, kNv21, k1080p, RESIZE_LINEAR},
 };
 
+// Stages return nothing; pipelines return a code.
+std::function<int(ImageStruct*, ImageStruct*)> succeeding(StageFunction stage) {
+  return [stage](ImageStruct* dst, ImageStruct* src) {
+    stage(dst, src);
+    return 0;
+  };
+}
+
 Row stageRow(const Stage& stage, const Size& from, const Size& to) {
   Row row;
   row.stage = stage.name;
+  row.family = stage.family;
   row.job = {stage.step, shape(stage.from, from.width, from.height),
              shape(stage.to, to.width, to.height), stage.parameter, stage.parameter};
-  row.ours = [f = stage.ours](ImageStruct* dst, ImageStruct* src) {
-    f(dst, src);
-    return 0;
-  };
-  row.expected = [f = stage.expected](ImageStruct* dst, ImageStruct* src) {
-    f(dst, src);
-    return 0;
-  };
+  row.ours = succeeding(stage.ours);
+  row.expected = succeeding(stage.expected);
   row.target = stage.target;
   row.roof = 0;
   return row;
@@ -184,6 +205,7 @@ Row scalerRow(const Scaler& scaler, const Size& from, const Size& to) {
 Row pipelineRow(const Pipeline& p) {
   Row row;
   row.stage = p.name;
+  row.family = "pipelines";
   row.size = text(p.fromSize);
   if (p.fromSize.width != p.toSize.width) row.size += " to " + text(p.toSize);
   row.job = {Step::kPipeline, shape(p.from, p.fromSize.width, p.fromSize.height),

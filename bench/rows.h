@@ -1,5 +1,4 @@
-// The rows of the table: each stage and pipeline at each size, with the figure to
-// reach.
+// The rows to measure: each stage and pipeline at each size, with the figure to reach.
 #ifndef ZELM_BENCH_ROWS_H
 #define ZELM_BENCH_ROWS_H
 
@@ -12,7 +11,7 @@
 namespace bench {
 
 struct Row {
-  std::string stage, size;
+  std::string stage, size, family;
   Job job;
   std::function<int(ImageStruct*dst, ImageStruct*src)> ours, expected;
   double target;  // ratio to the fastest peer that counts

@@ -21,4 +21,11 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
  -- ${CPACK_PACKAGE_CONTACT}  ${now}
 ")
   execute_process(COMMAND gzip -9nf ${folder}/changelog COMMAND_ERROR_IS_FATAL ANY)
+  file(WRITE ${folder}/copyright
+"Copyright 2026, the owner of zelm_imageutil. Contact: ${CPACK_PACKAGE_CONTACT}
+
+No licence has been chosen yet; the choice is the owner's. Until it is made,
+these files give nobody permission to copy, change or pass on the library or
+the program.
+")
 endforeach()

@@ -1,78 +1,109 @@
 #!/usr/bin/env bash
-# Times the stages and pipelines and prints a table in Markdown.
-#   scripts/bench.sh [--quick] [--profile] [REGEX]
-#   --quick    fewer and shorter repetitions
-#   --profile  the library alone, once for each instruction set, instead of peers
-#   REGEX      only rows whose name contains a match
-# Installs missing packages as root.
+# Times the stages and pipelines and prints a table.
+#   scripts/bench.sh [peers|sets] [OPTION...] [REGEX]
+#   peers          beside other libraries; this is what is done without a word
+#   sets           the library alone, with each instruction set of the machine; rows where
+#                  one with more instructions is slower are measured again twice, and those
+#                  that are so each time are named; also --profile
+#   --quick        fewer and shorter repetitions
+#   --ceiling=SET  peers: the library is held to plain, sse4, avx2, avx512 or all; at avx2
+#                  the peers are held to AVX2, too
+#   --store        replaces the values in bench/results/, for a machine of this kind
+#   REGEX          only rows whose name contains a match
+# The values stand in build-bench/ as comma-separated values. Installs missing packages as
+# root.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 
-programs=build-bench/bench/zelm-bench
-profile=false
+word=peers
+ceiling=all
+store=false
 options=()
 for argument in "$@"; do
   case $argument in
-    --profile) profile=true ;;
+    peers | sets) word=$argument ;;
+    --profile) word=sets ;;
     --quick) options+=(--quick) ;;
+    --ceiling=*) ceiling=${argument#*=} ;;
+    --store) store=true ;;
     -*)
-      sed -n '3,6s/^# *//p' scripts/bench.sh >&2
+      sed -n '3,15s/^# *//p' scripts/bench.sh >&2
       exit 2
       ;;
     *) options+=("--rows=$argument") ;;
   esac
 done
 
+if $store && [ ${#options[@]} -gt 0 ]; then
+  echo "$0: what is stored has all rows at full length" >&2
+  exit 2
+fi
+
 build() {
   # shellcheck disable=SC2086  # a list of words
   require_packages $bench_packages
   cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_BENCHMARKS=ON \
     -DZELM_BUILD_TESTS=OFF -DZELM_BUILD_TOOL=OFF
-  cmake --build build-bench -j "$(nproc)"
+  cmake --build build-bench -j "$(nproc)" --target zelm-bench
 }
 
-# Reads "set TAB row TAB nanoseconds" and prints a line for each row.
-profile_table() {
-  awk -F '\t' -v sets="$1" '
-    { if (!($2 in seen)) { seen[$2]; order[++rows] = $2 } time[$2, $1] = $3 }
-    END {
-      n = split(sets, name, " ")
-      line = "| Step and size |"; rule = "|---|"
-      for (i = 1; i <= n; ++i) { line = line " " name[i] " |"; rule = rule "---:|" }
-      print line; print rule
-      for (r = 1; r <= rows; ++r) {
-        line = "| " order[r] " |"
-        for (i = 1; i <= n; ++i) {
-          line = line sprintf(" %.1f µs |", time[order[r], name[i]] / 1000)
-          gain[i] += log(time[order[r], name[1]] / time[order[r], name[i]])
-        }
-        print line
-      }
-      line = "| geometric mean of the gain |"
-      for (i = 1; i <= n; ++i) line = line sprintf(" %.2f |", exp(gain[i] / rows))
-      print line
-    }'
-}
-
-# Each program knows the instruction sets up to the one in its name, the last all.
-run_profile() {
-  local sets="" set
-  for set in plain sse4 avx2 avx512; do
-    [ -x "$programs-$set" ] && sets+="$set "
+# The highest instruction set that the library has kernels for and this machine runs.
+kind() {
+  local flag
+  for flag in avx512vbmi avx512bw avx2 sse4_2; do
+    grep -qw "$flag" /proc/cpuinfo || continue
+    case $flag in
+      avx512vbmi) echo avx512-vbmi ;;
+      avx512bw) echo avx512 ;;
+      sse4_2) echo sse4 ;;
+      *) echo $flag ;;
+    esac
+    return
   done
+  uname -m
+}
+
+# measure FILE TABLE OPTION...: runs the program, keeps its values and shows a table of them.
+measure() {
+  local file=build-bench/$1.csv
   {
-    for set in $sets; do
-      "$programs-$set" --times "${options[@]}" | sed "s/^/$set\t/"
-    done
-    "$programs" --times "${options[@]}" | sed "s/^/all\t/"
-  } | profile_table "$sets all"
+    echo "# date: $(date -u +%F)"
+    echo "# source: $(git describe --always --dirty 2>/dev/null || echo unknown)"
+    build-bench/bench/zelm-bench "${@:3}" "${options[@]}"
+  } | tee "$file" | awk -f "bench/$2_table.awk"
+  echo "Values: $file"
+  if $store; then
+    mkdir -p bench/results
+    cp "$file" bench/results/
+  fi
+}
+
+measure_peers() {
+  local name
+  name=$(kind)
+  [ "$ceiling" = all ] || name+=-held-to-$ceiling
+  # OpenCV reads this before a program can say anything to it.
+  [ "$ceiling" != avx2 ] || export OPENCV_CPU_DISABLE=AVX512-SKX
+  measure "$name" peers "--ceiling=$ceiling"
+}
+
+measure_sets() {
+  local name slow
+  name=$(kind)-instruction-sets
+  measure "$name" sets --sets
+  for _ in once twice; do
+    slow=$(awk -v marked=1 -f bench/sets_table.awk "build-bench/$name.csv")
+    [ -n "$slow" ] || break
+    echo "Measured again:"
+    options+=("--rows=^($(paste -s -d '|' <<<"$slow"))\$")
+    store=false name=again
+    measure $name sets --sets
+  done
+  slow=$(awk -v marked=1 -f bench/sets_table.awk "build-bench/$name.csv")
+  echo "Slower with more instructions, each time: ${slow:-none}"
 }
 
 build >&2
-if $profile; then
-  run_profile
-else
-  "$programs" "${options[@]}"
-fi
+"measure_$word"

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Counts the instructions that each stage and libyuv's way to do the same execute for one
-# frame on 32-bit Arm and on AArch64, in an emulator, and prints a table, in thousands.
-#   scripts/count-instructions.sh [REGEX]    only rows whose name contains a match
-# libyuv is built from Debian's source package with its own vector code. Installs missing
-# packages as root.
+# frame on 32-bit Arm and on AArch64, in an emulator, and prints them in thousands.
+#   scripts/count-instructions.sh [--store] [REGEX]
+#   --store  replaces the values in bench/results/
+#   REGEX    only rows whose name contains a match
+# libyuv is built from Debian's source package with its own vector code. The values stand
+# in build-count/arm-instructions.csv. Installs missing packages as root.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -55,34 +57,43 @@ processor_file() {
   echo "Features : half thumb fastmult vfp edsp neon vfpv3 vfpv4" >"$work/root/proc/cpuinfo"
 }
 
-# run TARGET EMULATOR PROCESSOR: lines of target, row, contender and count.
+# run TARGET EMULATOR PROCESSOR: lines of target, step, size, family, contender and count.
 run() {
   "$2" -L "$work/root" -cpu "$3" -plugin "$work/counter.so" \
-    "$work/$1/bench/zelm-count" "${regex[@]}" | sed -n "/\t/s/^/$1\t/p"
+    "$work/$1/bench/zelm-count" "${regex[@]}" | sed "s/^/$1,/"
 }
 
-table() {
-  awk -F '\t' '
-    { if (!($2 in seen)) { seen[$2]; order[++rows] = $2 }
-      if ($3 == "libyuv*") { $3 = "libyuv"; remark[$2] = 1 }
-      count[$1, $2, $3] = $4 }
-    function part(target, row,  ours, peer, ratio) {
-      ours = count[target, row, "ours"]; peer = count[target, row, "libyuv"]
-      if (peer == "") return sprintf(" %.1f | | |", ours / 1000)
-      ratio = sprintf("%.2f", ours / peer)
-      return sprintf(" %.1f | %.1f | %s |", ours / 1000, peer / 1000,
-                     remark[row] ? "(" ratio ")" : ratio)
-    }
+# A line for each row.
+values() {
+  echo "# date: $(date -u +%F)"
+  echo "# source: $(git describe --always --dirty 2>/dev/null || echo unknown)"
+  echo "# compilers: $(arm-linux-gnueabihf-g++ --version | head -n 1);" \
+    "$(aarch64-linux-gnu-g++ --version | head -n 1)"
+  echo "# instructions of one call on one frame; 32-bit: Thumb-2 with NEON"
+  awk -F , '
+    { row = $2 "," $3 "," $4
+      if (!(row in seen)) { seen[row]; order[++rows] = row }
+      if ($5 == "libyuv*") { $5 = "libyuv"; other[row] = 1 }
+      count[$1, row, $5] = $6 }
     END {
-      print "| Step and size | 32-bit | libyuv | ratio | AArch64 | libyuv | ratio |"
-      print "|---|---:|---:|---:|---:|---:|---:|"
-      for (r = 1; r <= rows; ++r)
-        print "| " order[r] " |" part("armv7", order[r]) part("aarch64", order[r])
+      print "stage,size,family,armv7,armv7_libyuv,aarch64,aarch64_libyuv,not_counted"
+      for (r = 1; r <= rows; ++r) {
+        row = order[r]
+        print row "," count["armv7", row, "ours"] "," count["armv7", row, "libyuv"] "," \
+          count["aarch64", row, "ours"] "," count["aarch64", row, "libyuv"] "," \
+          (other[row] ? "libyuv" : "")
+      }
     }'
 }
 
 regex=()
-[ $# -gt 0 ] && regex=("$1")
+store=false
+for argument in "$@"; do
+  case $argument in
+    --store) store=true ;;
+    *) regex=("$argument") ;;
+  esac
+done
 {
   # shellcheck disable=SC2086  # a list of words
   require_packages $count_packages
@@ -98,4 +109,9 @@ regex=()
 {
   run armv7 qemu-arm cortex-a9
   run aarch64 qemu-aarch64 cortex-a53
-} | table
+} | values >"$work/arm-instructions.csv"
+awk -f bench/instructions_table.awk "$work/arm-instructions.csv"
+if $store; then
+  mkdir -p bench/results
+  cp "$work/arm-instructions.csv" bench/results/
+fi

@@ -24,9 +24,11 @@ require_all() {
   fi
 }
 
+# The program, and the libraries as well: what `cmake --install build` installs.
 build() {
   cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON >/dev/null
-  cmake --build build -j "$(nproc)" --target zelm-imageutil
+  cmake --build build -j "$(nproc)" --target zelm-imageutil zelm_imageutil \
+    zelm_imageutil_static
 }
 
 camera_frames() {

@@ -1,3 +1,4 @@
+// Reads bytes of files and of standard input.
 #include "byte_source.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The bytes of an input, with a look ahead.
 #ifndef ZELM_TOOLS_BYTE_SOURCE_H
 #define ZELM_TOOLS_BYTE_SOURCE_H
 

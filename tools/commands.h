@@ -1,3 +1,4 @@
+// What the four commands of the program do.
 #ifndef ZELM_TOOLS_COMMANDS_H
 #define ZELM_TOOLS_COMMANDS_H
 

@@ -1,3 +1,4 @@
+// The command convert: scales and converts frames.
 #include <zelm_imageutil.h>
 
 #include "commands.h"

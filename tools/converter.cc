@@ -1,3 +1,4 @@
+// Converts frames in as many calls of the library as their formats need.
 #include "converter.h"
 
 #include "result_text.h"

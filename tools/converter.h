@@ -1,3 +1,4 @@
+// Conversion of frames, by way of other formats where the library has no direct one.
 #ifndef ZELM_TOOLS_CONVERTER_H
 #define ZELM_TOOLS_CONVERTER_H
 

@@ -1,3 +1,4 @@
+// How the program ends when something is wrong.
 #ifndef ZELM_TOOLS_FAILURE_H
 #define ZELM_TOOLS_FAILURE_H
 

@@ -1,3 +1,4 @@
+// The table of formats and the layout of their frames in files.
 #include "formats.h"
 
 #include <zelm_imageutil.h>

@@ -1,3 +1,4 @@
+// The formats that the program knows, under the names that other programs use.
 #ifndef ZELM_TOOLS_FORMATS_H
 #define ZELM_TOOLS_FORMATS_H
 

@@ -1,3 +1,4 @@
+// The command formats: prints the formats and what each can become.
 #include <algorithm>
 #include <cstdio>
 

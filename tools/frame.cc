@@ -1,3 +1,4 @@
+// Frames that begin black.
 #include "frame.h"
 
 #include <cstring>

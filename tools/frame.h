@@ -1,3 +1,4 @@
+// A frame in memory, laid out as the library reads and writes it.
 #ifndef ZELM_TOOLS_FRAME_H
 #define ZELM_TOOLS_FRAME_H
 

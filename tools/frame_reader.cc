@@ -1,3 +1,4 @@
+// Reads raw frames and Y4M streams.
 #include "frame_reader.h"
 
 #include <algorithm>
@@ -46,11 +47,11 @@ void FrameReader::openY4m(const InputOptions& options) {
   format_ = &formatNamed("yuv420p");
   if (!options.from.empty() && options.from != "y4m" &&
       findFormat(options.from) != format_) {
-    fail(name(), " is a Y4M stream, not ", options.from, ": leave --from away");
+    fail(name(), " is a Y4M stream, not ", options.from, ": omit --from");
   }
   if (!options.size.empty() && parseSize("--size", options.size) != size_) {
     fail("--size ", options.size, " does not match ", name(), ", a Y4M stream of ",
-         size_, ": leave --size away");
+         size_, ": omit --size");
   }
   if (options.stride != 0) fail("--stride is for raw frames; rows of Y4M are packed");
 }

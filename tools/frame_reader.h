@@ -1,3 +1,4 @@
+// The frames of an input, one after the other.
 #ifndef ZELM_TOOLS_FRAME_READER_H
 #define ZELM_TOOLS_FRAME_READER_H
 

@@ -1,3 +1,4 @@
+// Writes raw frames, Y4M streams, pictures and digests.
 #include "frame_writer.h"
 
 #include <nettle/md5.h>

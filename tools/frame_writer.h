@@ -1,3 +1,4 @@
+// Where frames go, and what is written there.
 #ifndef ZELM_TOOLS_FRAME_WRITER_H
 #define ZELM_TOOLS_FRAME_WRITER_H
 

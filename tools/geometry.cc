@@ -1,3 +1,4 @@
+// Reads and checks the sizes and regions of options.
 #include "geometry.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Sizes and regions in pixels, and their texts.
 #ifndef ZELM_TOOLS_GEOMETRY_H
 #define ZELM_TOOLS_GEOMETRY_H
 

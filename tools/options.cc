@@ -1,3 +1,4 @@
+// Describes the options to CLI11 and holds the text of the help.
 #include "options.h"
 
 #include <CLI/CLI.hpp>
@@ -98,7 +99,7 @@ void addOutput(CLI::App* command, OutputOptions* out, bool digests) {
     command->add_flag(
         "--md5", out->md5,
         "Print a frame's number and the MD5 of its bytes for every frame; "
-        "OUT may be left away and is not written");
+        "OUT may be omitted and is not written");
   } else {
     path->required();
   }

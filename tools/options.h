@@ -1,3 +1,4 @@
+// What the command line can say.
 #ifndef ZELM_TOOLS_OPTIONS_H
 #define ZELM_TOOLS_OPTIONS_H
 

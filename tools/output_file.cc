@@ -1,3 +1,4 @@
+// Writes files under a temporary name and handles interrupting signals.
 #include "output_file.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// Files that appear under their name when they are complete.
 #ifndef ZELM_TOOLS_OUTPUT_FILE_H
 #define ZELM_TOOLS_OUTPUT_FILE_H
 

@@ -1,3 +1,4 @@
+// Encodes PNG pictures with libpng.
 #include "picture.h"
 
 #include <png.h>

@@ -1,3 +1,4 @@
+// PNG pictures.
 #ifndef ZELM_TOOLS_PICTURE_H
 #define ZELM_TOOLS_PICTURE_H
 

@@ -1,3 +1,4 @@
+// The loop over the frames of an input.
 #include "process_frames.h"
 
 #include "progress.h"

@@ -1,3 +1,4 @@
+// Reading, processing and writing all frames of an input.
 #ifndef ZELM_TOOLS_PROCESS_FRAMES_H
 #define ZELM_TOOLS_PROCESS_FRAMES_H
 

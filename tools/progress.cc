@@ -1,3 +1,4 @@
+// Prints how many frames were processed, several times a second.
 #include "progress.h"
 
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// The progress line on a terminal.
 #ifndef ZELM_TOOLS_PROGRESS_H
 #define ZELM_TOOLS_PROGRESS_H
 

@@ -1,3 +1,4 @@
+// The meaning of the library's result codes in words.
 #include "result_text.h"
 
 #include <zelm_imageutil.h>

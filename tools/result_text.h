@@ -1,3 +1,4 @@
+// Result codes of the library as failures of the program.
 #ifndef ZELM_TOOLS_RESULT_TEXT_H
 #define ZELM_TOOLS_RESULT_TEXT_H
 

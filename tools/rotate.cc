@@ -1,3 +1,4 @@
+// The command rotate: turns frames by right angles.
 #include <zelm_imageutil.h>
 
 #include "commands.h"

@@ -39,10 +39,10 @@ void requireFit(const Target& target, const ContainerName& entry) {
   if (fits) return;
   if (target.container == Container::kY4m) {
     fail("Y4M holds planar 4:2:0 (yuv420p) and cannot hold ", target.format->name,
-         ": leave --to away, or write raw frames to a name without .y4m");
+         ": omit --to, or write raw frames to a name without .y4m");
   }
   fail("a .", entry.name, " picture cannot hold ", target.format->name,
-       ": leave --to away, or choose another suffix");
+       ": omit --to, or choose another suffix");
 }
 
 bool isNumbered(const std::string& path) {
@@ -65,7 +65,7 @@ Target chooseTarget(const OutputOptions& options, const TargetDefaults& defaults
   const ContainerName* byOption = containerNamed(options.to);
   if (bySuffix != nullptr && byOption != nullptr && bySuffix != byOption) {
     fail("--to ", options.to, " contradicts the name ", options.path,
-         ": leave one of the two away");
+         ": omit one of the two");
   }
   const ContainerName* entry = byOption != nullptr ? byOption : bySuffix;
   target.format = findFormat(suffixOf(options.path));

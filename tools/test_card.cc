@@ -1,3 +1,4 @@
+// Draws the test card.
 #include "test_card.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// A test picture that moves.
 #ifndef ZELM_TOOLS_TEST_CARD_H
 #define ZELM_TOOLS_TEST_CARD_H
 

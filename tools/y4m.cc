@@ -1,3 +1,4 @@
+// Parses and prints the headers of Y4M streams.
 #include "y4m.h"
 
 #include <sstream>

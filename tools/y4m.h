@@ -1,3 +1,4 @@
+// Headers of Y4M streams.
 #ifndef ZELM_TOOLS_Y4M_H
 #define ZELM_TOOLS_Y4M_H
 

@@ -1,3 +1,4 @@
+// The command testcard: writes frames of the test card.
 #include <zelm_imageutil.h>
 
 #include "commands.h"

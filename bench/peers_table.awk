@@ -1,0 +1,55 @@
+# Prints what zelm-bench measured beside other libraries: a line for each row, the
+# geometric mean of each family, and the rows that miss their figure.
+# Two equally fast calls differ by `noise`, and by more when their data is in no cache;
+# that is allowed for where the figure to reach is equality, and nowhere else.
+BEGIN { FS = ","; noise = 0.02; noise_in_memory = 0.05; in_memory_ns = 300000 }
+/^#/ { print substr($0, 3); next }
+$1 == "stage" {
+  for (i = 1; i <= NF; ++i) column[$i] = i
+  split("libyuv OpenCV swscale zimg", peers, " ")
+  printf "\n%-36s %-21s %10s %7s %8s %8s %8s %8s %7s\n", "step", "size", "us", "memcpy",
+         peers[1], peers[2], peers[3], peers[4], "target"
+  next
+}
+function value(name) { return $column[name] }
+function peer_cell(peer,  time, text) {
+  time = value(tolower(peer) "_ns")
+  if (time == "") return "-"
+  text = sprintf("%.2f", time / value("ours_ns"))
+  if (index(value("not_counted"), peer ":")) return "(" text ")"
+  return peer == value("best_peer") ? "*" text : text
+}
+function least(target) {
+  if (target > 1) return target
+  return target - (value("memcpy_ns") < in_memory_ns ? noise : noise_in_memory)
+}
+{
+  name = $1 " " $2
+  roof = value("memcpy_ns") / value("ours_ns")
+  printf "%-36s %-21s %10.1f %7.2f", $1, $2, value("ours_ns") / 1000, roof
+  for (i = 1; i <= 4; ++i) printf " %8s", peer_cell(peers[i])
+  printf " %7s\n", value("target")
+  ratio = value("ratio")
+  if (ratio == "") next
+  if (!($3 in count)) family[++families] = $3
+  ++count[$3]; ++compared
+  sum[$3] += log(ratio); all += log(ratio)
+  if (ratio < least(value("target")))
+    missed[++misses] = sprintf("%s: %.2f instead of %.2f", name, ratio, value("target"))
+  else if (value("memcpy_target") != "" && roof < value("memcpy_target"))
+    missed[++misses] = sprintf("%s: %.2f of memcpy instead of %.2f", name, roof,
+                               value("memcpy_target"))
+}
+END {
+  if (!compared) exit
+  print "\nA peer's figure is its time divided by ours: above 1 the library is faster. The"
+  print "fastest peer that is counted has a star; in brackets are peers that answer another"
+  print "question. Column memcpy: the same for copying half of all bytes read and written.\n"
+  print "Ratio to the fastest peer, geometric mean:"
+  for (f = 1; f <= families; ++f)
+    printf "  %-20s %6.2f  (%d rows)\n", family[f], exp(sum[family[f]] / count[family[f]]),
+           count[family[f]]
+  printf "  %-20s %6.2f  (%d rows)\n", "all", exp(all / compared), compared
+  printf "\nFigures reached: %d of %d rows.\n", compared - misses, compared
+  for (m = 1; m <= misses; ++m) print "  " missed[m]
+}
