@@ -6,11 +6,15 @@
 
 #include <cstddef>
 
+#if ZELM_HIGHWAY
+#include "hwy/cache_control.h"
+#endif
+
 namespace zelm {
 
 // For a stage that reads and writes so many bytes in all.
 inline bool worthStreaming([[maybe_unused]] size_t bytes) {
-#if defined(__x86_64__)
+#if ZELM_HIGHWAY && defined(__x86_64__)
   return bytes >= size_t{20} << 20;  // from measurements with 32 MiB of shared cache
 #else
   return false;
@@ -19,8 +23,8 @@ inline bool worthStreaming([[maybe_unused]] size_t bytes) {
 
 // After the last of such stores: other threads may see them later than ordinary ones.
 inline void finishStreaming() {
-#if defined(__x86_64__)
-  __builtin_ia32_sfence();
+#if ZELM_HIGHWAY
+  hwy::FlushStream();
 #endif
 }
 
