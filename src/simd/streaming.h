@@ -1,6 +1,7 @@
-// Stores that go past the caches. They are worth it for stages that do little with a
-// byte and write frames that no cache holds, as caches would read every line before it
-// is written. Below that they lose: what is written is read soon, and then from memory.
+// When to store past the caches. It is worth it for stages that do little with a byte
+// and write frames that no cache holds, because a cache reads every line before it is
+// written. In smaller frames it loses: what is written is read soon, and would then
+// come from memory.
 #ifndef ZELM_SRC_SIMD_STREAMING_H_
 #define ZELM_SRC_SIMD_STREAMING_H_
 
@@ -12,7 +13,7 @@
 
 namespace zelm {
 
-// For a stage that reads and writes so many bytes in all.
+// Tells whether it is worth it for a stage that reads and writes so many bytes in all.
 inline bool worthStreaming([[maybe_unused]] size_t bytes) {
 #if ZELM_HIGHWAY && defined(__x86_64__)
   return bytes >= size_t{20} << 20;  // from measurements with 32 MiB of shared cache
@@ -21,7 +22,8 @@ inline bool worthStreaming([[maybe_unused]] size_t bytes) {
 #endif
 }
 
-// After the last of such stores: other threads may see them later than ordinary ones.
+// Comes after the last of such stores, which other threads may otherwise see later than
+// ordinary ones that follow.
 inline void finishStreaming() {
 #if ZELM_HIGHWAY
   hwy::FlushStream();
