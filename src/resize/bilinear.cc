@@ -20,6 +20,13 @@
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+// What differs between instruction sets:
+#if ZELM_NEON
+#include "resize/bilinear_neon-inl.h"
+#elif ZELM_VECTORS
+#include "resize/bilinear_x86-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
@@ -99,76 +106,18 @@ class VectorColumns {
     }
   }
 
-#if ZELM_NEON
-  // Addresses are moved on instead of computed, which saves a third of the
-  // instructions.
   HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                             unsigned weight) const {
-    auto a = reinterpret_cast<const uint8_t*>(upper);
-    auto b = reinterpret_cast<const uint8_t*>(lower);
-    const auto moveBack = [&](size_t n) { to -= n; };
-    if (weight == 0) {
-      inMovingBlocks(
-          bytes_, kBytes,
-          [&]() HWY_ATTR {
-            const uint8x16x2_t row = take32(a);
-            put16(to, roundedUpperBytes(lanes(row.val[0]), lanes(row.val[1])).raw);
-          },
-          moveBack);
-      return;
-    }
-    const uint16x4_t weights = rowWeights(weight);
-    inMovingBlocks(
-        bytes_, kBytes,
-        [&]() HWY_ATTR {
-          const uint8x16x2_t above = take32(a), below = take32(b);
-          const auto half = [&](int h) HWY_ATTR {
-            return blend(lanes(above.val[h]), lanes(below.val[h]), weights);
-          };
-          put16(to, packInBlocks(half(0), half(1)).raw);
-        },
-        moveBack);
+    blendKeptRows(to, upper, lower, weight, bytes_);
   }
 
   // The same without keeping filtered rows.
   HWY_INLINE void scaleRow(uint8_t* to, const uint8_t* upper, const uint8_t* lower,
                            unsigned weight) const {
-    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
-    if (weight == 0) {
-      for (size_t v = 0; v < vectors; ++v) {
-        const Vec<U16> first = filter(2 * v, upper), second = filter(2 * v + 1, upper);
-        store(roundedUpperBytes(first, second), to + vectorStart(v, bytes));
-      }
-      return;
-    }
-    const uint16x4_t weights = rowWeights(weight);
-    for (size_t v = 0; v < vectors; ++v) {
-      Vec<I16> half[2];
-      for (size_t h = 0; h < 2; ++h) {
-        const Vec<U16> above = filter(2 * v + h, upper);
-        half[h] = blend(above, filter(2 * v + h, lower), weights);
-      }
-      store(packInBlocks(half[0], half[1]), to + vectorStart(v, bytes));
-    }
-  }
-#else
-  HWY_INLINE void blendRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
-                            unsigned weight) const {
-    blendHalves(to, weight, [&](size_t h, Vec<I16>* a, Vec<I16>* b) HWY_ATTR {
-      *a = hn::Load(i16, upper + h * (kBytes / 2));
-      *b = hn::Load(i16, lower + h * (kBytes / 2));
+    blendHalves(to, weight, bytes_, [&](size_t h, bool below) HWY_ATTR {
+      return filter(h, below ? lower : upper);
     });
   }
-
-  // The same without keeping filtered rows.
-  HWY_INLINE void scaleRow(uint8_t* to, const uint8_t* upper, const uint8_t* lower,
-                           unsigned weight) const {
-    blendHalves(to, weight, [&](size_t h, Vec<I16>* a, Vec<I16>* b) HWY_ATTR {
-      *a = filter(h, upper);
-      *b = filter(h, lower);
-    });
-  }
-#endif
 
  private:
   struct Half {
@@ -200,62 +149,9 @@ class VectorColumns {
     }
   }
 
-#if ZELM_NEON
-  // Products of unsigned bytes are at hand, so rows are kept as H, and halves of picks
-  // are the left and the right samples.
-  static constexpr size_t kRightPlace = 8;
-  static size_t leftPlace(size_t lane) { return lane; }
-
-  HWY_INLINE Vec<U16> filter(size_t h, const uint8_t* from) const {
-    const uint8x16_t samples = half_[h].picks.pick(from).raw;
-    const uint8x16_t weights = vld1q_u8(half_[h].weights);
-    const uint16x8_t left = vmull_u8(vget_low_u8(samples), vget_low_u8(weights));
-    return Vec<U16>{vmlal_u8(left, vget_high_u8(samples), vget_high_u8(weights))};
+  HWY_INLINE auto filter(size_t h, const uint8_t* from) const {
+    return filterSamples(half_[h].picks.pick(from), half_[h].weights);
   }
-
-  static HWY_INLINE Vec<U16> lanes(uint8x16_t bytes) { return asU16(Vec<U8>{bytes}); }
-
-  // Of the upper row, then of the lower one.
-  static HWY_INLINE uint16x4_t rowWeights(unsigned weight) {
-    return vset_lane_u16(static_cast<uint16_t>(256 - weight),
-                         vdup_n_u16(static_cast<uint16_t>(weight)), 0);
-  }
-
-  static HWY_INLINE Vec<I16> blend(Vec<U16> upper, Vec<U16> lower, uint16x4_t weights) {
-    const uint16x8_t a = upper.raw, b = lower.raw;
-    const uint32x4_t first = vmlal_lane_u16(vmull_lane_u16(vget_low_u16(a), weights, 0),
-                                            vget_low_u16(b), weights, 1);
-    const uint32x4_t second = vmlal_lane_u16(
-        vmull_lane_u16(vget_high_u16(a), weights, 0), vget_high_u16(b), weights, 1);
-    return asI16(roundedUpperHalves(Vec<U32>{first}, Vec<U32>{second}));
-  }
-#else
-  static constexpr size_t kRightPlace = 1;
-  static size_t leftPlace(size_t lane) { return 2 * lane; }
-
-  HWY_INLINE Vec<I16> filter(size_t h, const uint8_t* from) const {
-    const Half& table = half_[h];
-    const Vec<I16> sums =
-        pairProducts8(hn::Load(u8, table.weights), centred(table.picks.pick(from)));
-    return hn::Add(sums, hn::Set(i16, 128));
-  }
-
-  template <class LoadRows>
-  HWY_INLINE void blendHalves(uint8_t* to, unsigned weight,
-                              const LoadRows& loadRows) const {
-    const Vec<U16> by = hn::Set(u16, static_cast<uint16_t>(256 * weight));
-    const auto blend = [&](size_t h) HWY_ATTR {
-      Vec<I16> a, b;
-      loadRows(h, &a, &b);
-      const Vec<I16> product = asI16(hn::MulHigh(asU16(hn::Sub(b, a)), by));
-      return subtractWhereLess(hn::Add(a, product), b, a, asI16(by));
-    };
-    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
-    for (size_t v = 0; v < vectors; ++v) {
-      storeUpperBytes(blend(2 * v), blend(2 * v + 1), to + vectorStart(v, bytes));
-    }
-  }
-#endif  // ZELM_NEON
 
   size_t bytes_;
   Half half_[2 * kStripBytes / kBytes];
