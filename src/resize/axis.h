@@ -7,8 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "plane.h"
-
 namespace zelm {
 
 struct Axis {
@@ -37,22 +35,6 @@ struct Axis {
     return static_cast<unsigned>((fraction + (1 << 23)) >> 24);
   }
 };
-
-// Destination rows are taken in strips of so many bytes, so that tables and filtered
-// rows fit on a small stack.
-constexpr size_t kStripBytes = 2048;
-
-// What every scaler does before it scales: nothing out of nothing, and equal extents
-// are a copy.
-template <class Kernel>
-void scalePlane(Kernel* kernel, const Region& to, const Region& from, size_t sample) {
-  if (from.empty()) return;
-  if (to.columns == from.columns && to.rows == from.rows) {
-    copyRows(to, from, to.rows, to.columns * sample);
-  } else {
-    kernel(to, from);
-  }
-}
 
 }  // namespace zelm
 

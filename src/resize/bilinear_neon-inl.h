@@ -1,4 +1,4 @@
-// Arithmetic of bilinear scaling with NEON. Included by bilinear.cc after picks-inl.h,
+// Arithmetic of bilinear scaling with NEON. Included by bilinear.cc after scaler-inl.h,
 // once per pass.
 //
 // Products of unsigned bytes have 16 bits (vmull, vmlal), so filtered rows are kept as
@@ -69,8 +69,8 @@ HWY_INLINE void blendKeptRows(uint8_t* to, const int16_t* upper, const int16_t* 
 }
 
 template <class Filter>
-HWY_INLINE void blendHalves(uint8_t* to, unsigned weight, size_t bytes,
-                            const Filter& filter) {
+HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
+                           const Filter& filter) {
   const size_t vectors = vectorsFor(bytes);
   if (weight == 0) {
     for (size_t v = 0; v < vectors; ++v) {

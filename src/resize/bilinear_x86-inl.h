@@ -1,5 +1,5 @@
 // Arithmetic of bilinear scaling with the vectors of x86. Included by bilinear.cc after
-// picks-inl.h, once per pass.
+// scaler-inl.h, once per pass.
 //
 // One multiplication (pairProducts8) multiplies neighbouring bytes and adds the
 // products, so left and right samples stand side by side, and so do their weights:
@@ -23,8 +23,8 @@ HWY_INLINE Vec<I16> filterSamples(Vec<U8> picked, const uint8_t* weights) {
 }
 
 template <class Filter>
-HWY_INLINE void blendHalves(uint8_t* to, unsigned weight, size_t bytes,
-                            const Filter& filter) {
+HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
+                           const Filter& filter) {
   const Vec<U16> by = hn::Set(u16, static_cast<uint16_t>(256 * weight));
   const auto blend = [&](size_t h) HWY_ATTR {
     const Vec<I16> a = filter(h, false), b = filter(h, true);
@@ -40,7 +40,7 @@ HWY_INLINE void blendHalves(uint8_t* to, unsigned weight, size_t bytes,
 
 HWY_INLINE void blendKeptRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                               unsigned weight, size_t bytes) {
-  blendHalves(to, weight, bytes, [&](size_t h, bool below) HWY_ATTR {
+  blendUnits(to, weight, bytes, [&](size_t h, bool below) HWY_ATTR {
     return hn::Load(i16, (below ? lower : upper) + h * (kBytes / 2));
   });
 }

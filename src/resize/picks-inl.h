@@ -26,27 +26,15 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// What a scaler works on. Columns lie the same for all rows.
-struct Planes {
-  const Region& to;
-  const Region& from;
-  const Axis across, down;
-
-  Planes(const Region& destination, const Region& source)
-      : to(destination),
-        from(source),
-        across(source.columns, destination.columns),
-        down(source.rows, destination.rows) {}
-};
-
 #if ZELM_VECTORS
 
 constexpr size_t kPieceBytes = ZELM_VBMI ? kBytes : 16;
 constexpr size_t kGroups = kBytes / kPieceBytes;
 
-// Where the pieces of each group of a vector begin.
-template <size_t kPieces>
-class Pieces {
+// What a vector is made of: where the pieces of each of its groups begin, and for each
+// of kLookups lookups which bytes they give.
+template <size_t kPieces, size_t kLookups>
+class PickTable {
  public:
   // To be called for a group before its bytes are set: `lowest` is where the lowest of
   // them lies in the row.
@@ -66,6 +54,7 @@ class Pieces {
   }
 
  protected:
+  alignas(kBytes) uint8_t index_[kLookups][kBytes];
   uint32_t starts_[kPieces][kGroups];
 };
 
@@ -76,8 +65,8 @@ class Pieces {
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-// Picks<pieces>: which bytes of the pieces a vector is made of. set(i, position) says
-// where byte i of the vector lies in the row, pick(row) returns the vector.
+// Picks<pieces> is a PickTable. Its set(i, position) says where byte i of the vector
+// lies in the row, its pick(row) returns the vector.
 #if ZELM_VBMI
 #include "resize/picks_vbmi-inl.h"
 #elif ZELM_NEON
@@ -146,53 +135,20 @@ HWY_INLINE Vec<I8> centred(Vec<U8> samples) {
   return hn::BitCast(i8, hn::Xor(samples, hn::Set(u8, 128)));
 }
 
-// Vectors that cover `bytes` bytes, the last one moved back to end with them.
+// The number of vectors that cover `bytes` bytes.
 HWY_INLINE size_t vectorsFor(size_t bytes) { return (bytes + kBytes - 1) / kBytes; }
-HWY_INLINE size_t vectorStart(size_t vector, size_t bytes) {
-  const size_t start = vector * kBytes;
-  return start + kBytes <= bytes ? start : bytes - kBytes;
-}
 
-// Calls body(h, group, byteOf) for every group of every half h of the vectors that
-// cover `bytes` bytes; byteOf(lane) is the byte of the row that a lane of the half
-// makes.
-template <class Body>
-HWY_INLINE void forEachGroup(size_t bytes, const Body& body) {
-  for (size_t h = 0; h < 2 * vectorsFor(bytes); ++h) {
-    const size_t start = vectorStart(h / 2, bytes);
-    const auto byteOf = [=](size_t lane)
-                            HWY_ATTR { return start + byteOfLane(h % 2, lane); };
-    for (size_t group = 0; group < kGroups; ++group) body(h, group, byteOf);
-  }
+// Where a vector begins; the last one is moved back so that it ends with the bytes.
+HWY_INLINE size_t vectorStart(size_t vector, size_t bytes) {
+  const size_t start = vector * kBytes, last = bytes - kBytes;
+#if ZELM_NEON
+  return start + kBytes <= bytes ? start : last;  // a branch, which GCC finds cheaper
+#else
+  return start < last ? start : last;
+#endif
 }
 
 #endif  // ZELM_VECTORS
-
-// Lets a scaler make its destination in strips of at most `stripBytes` bytes of every
-// row: by scaler.vectors<pieces>(first, bytes) if rows are long enough for vectors and
-// sources lie close enough together, otherwise by scaler.plain(first, bytes). A
-// destination byte is made of `picksPerByte` picks from as many samples as `taps`.
-template <size_t kSample, class Scaler>
-HWY_INLINE void scaleInStrips(const Scaler& scaler, size_t stripBytes,
-                              [[maybe_unused]] size_t picksPerByte,
-                              [[maybe_unused]] size_t taps) {
-  const size_t rowBytes = scaler.to.columns * kSample;
-  for (size_t first = 0; first < rowBytes; first += stripBytes) {
-    const size_t rest = rowBytes - first;
-    const size_t bytes = rest < stripBytes ? rest : stripBytes;
-#if ZELM_VECTORS
-    const size_t span =
-        spanOf<kSample>(scaler.across, kPieceBytes / picksPerByte, taps);
-    if (bytes >= kBytes && scaler.from.columns * kSample >= kPieceBytes &&
-        withPieces(span, [&](auto pieces) HWY_ATTR {
-          scaler.template vectors<pieces>(first, bytes);
-        })) {
-      continue;
-    }
-#endif
-    scaler.plain(first, bytes);
-  }
-}
 
 }  // namespace HWY_NAMESPACE
 }  // namespace

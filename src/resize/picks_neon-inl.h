@@ -10,7 +10,7 @@ namespace {
 namespace HWY_NAMESPACE {
 
 template <size_t kPieces>
-class Picks : public Pieces<kPieces> {
+class Picks : public PickTable<kPieces, (kPieces + 1) / 2> {
  public:
   HWY_INLINE void set(size_t i, size_t position) {
     for (size_t p = 0; p < kPieces; p += 2) index_[p / 2][i] = kNoByte;
@@ -33,10 +33,9 @@ class Picks : public Pieces<kPieces> {
   }
 
  private:
-  using Pieces<kPieces>::starts_;
+  using PickTable<kPieces, (kPieces + 1) / 2>::index_;
+  using PickTable<kPieces, (kPieces + 1) / 2>::starts_;
   static constexpr uint8_t kNoByte = 128;
-
-  alignas(kBytes) uint8_t index_[(kPieces + 1) / 2][kBytes];
 };
 
 }  // namespace HWY_NAMESPACE

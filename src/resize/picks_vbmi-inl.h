@@ -13,16 +13,16 @@ namespace {
 namespace HWY_NAMESPACE {
 
 template <size_t kPieces>
-class Picks : public Pieces<kPieces> {
+class Picks : public PickTable<kPieces, 1> {
  public:
   HWY_INLINE void set(size_t i, size_t position) {
     size_t p = 0;
     while (p + 1 < kPieces && position - starts_[p][0] >= kPieceBytes) ++p;
-    index_[i] = static_cast<uint8_t>(kPieceBytes * p + position - starts_[p][0]);
+    index_[0][i] = static_cast<uint8_t>(kPieceBytes * p + position - starts_[p][0]);
   }
 
   HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
-    const __m512i index = _mm512_load_si512(index_);
+    const __m512i index = _mm512_load_si512(index_[0]);
     const auto piece = [&](size_t p) HWY_ATTR { return load(row + starts_[p][0]).raw; };
     if (kPieces == 1) return {_mm512_permutexvar_epi8(index, piece(0))};
     const __m512i low = _mm512_permutex2var_epi8(piece(0), index, piece(kPieces > 1));
@@ -37,9 +37,8 @@ class Picks : public Pieces<kPieces> {
   }
 
  private:
-  using Pieces<kPieces>::starts_;
-
-  alignas(64) uint8_t index_[kBytes];
+  using PickTable<kPieces, 1>::index_;
+  using PickTable<kPieces, 1>::starts_;
 };
 
 // Packs the upper bytes of signed lanes, first's and then second's.

@@ -13,7 +13,7 @@ namespace {
 namespace HWY_NAMESPACE {
 
 template <size_t kPieces>
-class Picks : public Pieces<kPieces> {
+class Picks : public PickTable<kPieces, kPieces> {
  public:
   HWY_INLINE void set(size_t i, size_t position) {
     // Pieces that overlap may both supply the byte.
@@ -35,10 +35,9 @@ class Picks : public Pieces<kPieces> {
   }
 
  private:
-  using Pieces<kPieces>::starts_;
+  using PickTable<kPieces, kPieces>::index_;
+  using PickTable<kPieces, kPieces>::starts_;
   static constexpr uint8_t kNoByte = 128;  // a shuffle makes it 0
-
-  alignas(kBytes) uint8_t index_[kPieces][kBytes];
 };
 
 // Packs the upper bytes of signed lanes, block by block.
