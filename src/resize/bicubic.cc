@@ -1,15 +1,16 @@
-// Bicubic scaling of a luma plane or of chroma pairs: four taps in each direction
-// that sum to 256, indices clamped into the region.
+// Bicubic scaling of a luma plane or of chroma pairs: four taps in each direction,
+// whose weights sum to 256 and whose indices are clamped into the region.
 //   H = sum of wx * sample                      17 bits and sign, not rounded
 //   out = clamp((sum of wy * H + 32768) >> 16)
 // The sums are exact, so the order of the passes is free: rows are filtered
-// horizontally, kept, and combined.
+// horizontally, kept, and combined vertically.
 //
-// Vectors use samples less 128, which makes H - 32768: one bit too wide for 16, so it
-// is kept as the sum of two lanes, X + Z, that one pairwise multiplication with (wy,
-// wy) joins. X holds half of the inner taps, the outer ones and + 128, Z the other
-// half. Weights sum to 256, so combining such rows gives the sum above less 2^23,
-// rounding included: its upper 16 bits are out - 128.
+// Vectors use samples less 128, which makes H - 32768. This is one bit too wide for 16,
+// so it is kept as the sum of two neighbouring lanes, X + Z, which one pairwise
+// multiplication with (wy, wy) joins. X holds half of the inner taps, the outer ones
+// and
+// + 128, Z holds the other half. Weights sum to 256, so combining such rows makes the
+// sum above less 2^23, rounding included: its upper 16 bits are out - 128.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/bicubic.cc"
 #include "simd/each_target.h"  // before all others

@@ -2,10 +2,10 @@
 //   H = (256 - wx) * left + wx * right          for two source rows, at most 65280
 //   out = ((256 - wy) * H[upper] + wy * H[lower] + 32768) >> 16
 // All of it is exact, so the order of the passes is free: rows are filtered
-// horizontally, kept, and blended.
+// horizontally, kept, and blended vertically.
 //
-// Samples less 128 give H - 32768, which fits in int16, and so does that + 128: G, as
-// rows are kept. With D = G[lower] - G[upper] then
+// Samples less 128 give H - 32768, which fits in int16, and so does G = H - 32768 +
+// 128, which is what kept rows hold. With D = G[lower] - G[upper] then
 //   out - 128 = (G[upper] + floor(wy * D / 256)) >> 8
 // because G is whole. D needs 17 bits. Modulo 2^16 its unsigned product with wy / 256
 // is too large by 256 * wy where D is negative; the sum fits in int16 again.
@@ -21,6 +21,14 @@
 #include "zelm_imageutil.h"
 
 // What differs between instruction sets:
+//   leftPlace(lane), kRightPlace  where the left sample of a lane stands among the
+//   picked
+//                                 bytes, and how far behind it the right one
+//   filterSamples(picked, weights)  the lanes of a filtered row
+//   blendKeptRows(to, upper, lower, weight, bytes)  two filtered rows, into bytes
+//   blendUnits(to, weight, bytes, filter)  the same of rows that are filtered on the
+//   way:
+//                                 filter(unit, below) returns the lanes of a unit
 #if ZELM_NEON
 #include "resize/bilinear_neon-inl.h"
 #elif ZELM_VECTORS
@@ -129,6 +137,8 @@ struct Bilinear {
       }
     }
 
+    // Inlined, the compiler would be short of registers for this loop and load operands
+    // again and again.
     HWY_NOINLINE void makeRow(uint8_t* to, const int16_t* const (&rows)[2],
                               const RowTap& tap, const uint8_t*) const {
       blendKeptRows(to, rows[0], rows[1], tap.weight, this->bytes_);

@@ -5,7 +5,7 @@
 // H itself. The samples and the weights of a half lie in registers like this:
 //   bytes    0..7              8..15
 //            left of lane i    right of lane i - 8
-#include "simd/copy.h"
+#include "simd/neon.h"
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();

@@ -9,8 +9,9 @@
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-// averageBlocks<kFactor, kSample>(to, from, stride, bytes) makes a destination row and
-// returns the number of bytes made: all, or 0 if the row is too short for vectors.
+// What differs between instruction sets: averageBlocks<factor, sample>(to, from,
+// stride, bytes) makes a destination row and returns the number of bytes made, which is
+// all, or 0 if the row is too short for vectors.
 #if ZELM_NEON
 #include "resize/box_average_neon-inl.h"
 #elif ZELM_VECTORS

@@ -3,8 +3,7 @@
 // Neighbouring bytes are added by vpaddl and vpadal, the latter onto the sums of the
 // rows above. Chroma is deinterleaved as it is loaded, so that first and second bytes
 // are summed in registers of their own, and interleaved again at the end.
-#include "resize/box_average_armv7-inl.h"
-#include "simd/copy.h"
+#include "simd/neon.h"
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -25,8 +24,7 @@ struct Rows {
   // the second ones.
   HWY_INLINE uint16x8x2_t sums() {
     const uint8x16x2_t p = take(a), q = take(b);
-    uint16x8x2_t s = {
-        {addPairsOfTwoRows(p.val[0], q.val[0]), addPairsOfTwoRows(p.val[1], q.val[1])}};
+    uint16x8x2_t s = {{addBlocks(p.val[0], q.val[0]), addBlocks(p.val[1], q.val[1])}};
     if (kFactor == 2) return s;
     const uint8x16x2_t r = take(c), t = take(d);
     for (int i = 0; i < 2; ++i) {
@@ -62,11 +60,11 @@ HWY_INLINE void averageBlock(uint8_t*& to, Rows<kFactor, kSample>& rows) {
   for (size_t i = 0; i < kBlock<kFactor>; i += 32) {
     const uint16x8x2_t s = rows.blockSums(), t = rows.blockSums();
     if (kSample == 1) {
-      put16(to, shiftAndNarrow<kShift>(s.val[0], s.val[1]));
-      put16(to, shiftAndNarrow<kShift>(t.val[0], t.val[1]));
+      put16(to, narrowShifted<kShift>(s.val[0], s.val[1]));
+      put16(to, narrowShifted<kShift>(t.val[0], t.val[1]));
     } else {
-      const uint8x16x2_t pairs = vzipq_u8(shiftAndNarrow<kShift>(s.val[0], t.val[0]),
-                                          shiftAndNarrow<kShift>(s.val[1], t.val[1]));
+      const uint8x16x2_t pairs = vzipq_u8(narrowShifted<kShift>(s.val[0], t.val[0]),
+                                          narrowShifted<kShift>(s.val[1], t.val[1]));
       put16(to, pairs.val[0]);
       put16(to, pairs.val[1]);
     }

@@ -85,8 +85,8 @@ namespace HWY_NAMESPACE {
 template <size_t kPieces>
 using PieceCount = std::integral_constant<size_t, kPieces>;
 
-// Calls body(PieceCount<n>()) with as many pieces as `span` bytes need. False if no
-// number does.
+// Calls body(PieceCount<n>()) with as many pieces as `span` bytes need. Returns false
+// if they need more than four.
 template <class Body>
 HWY_INLINE bool withPieces(size_t span, const Body& body) {
   const size_t pieces = (span + kPieceBytes - 1) / kPieceBytes;
@@ -102,18 +102,19 @@ HWY_INLINE bool withPieces(size_t span, const Body& body) {
   return pieces <= 4;
 }
 
-// The most source bytes that `bytes` bytes of a destination row can span when each is
-// made of `taps` samples side by side.
+// Returns the most source bytes that `bytes` bytes of a destination row can span when
+// each is made of `taps` samples side by side.
 template <size_t kSample>
 HWY_INLINE size_t spanOf(const Axis& across, size_t bytes, size_t taps) {
-  // So many bytes belong to at most so many samples.
+  // The bytes need not begin with a sample, so three-byte samples may be cut on both
+  // sides.
   const size_t samples = kSample == 3 ? (bytes + 2) / 3 + 1 : bytes / kSample;
   return (across.before(samples - 1) + 1 + taps) * kSample;
 }
 
-// A vector of bytes is computed in two halves of 16-bit lanes and packed again. A half
-// makes every other half piece of the vector, because packing works within pieces; with
-// a piece of 16 bytes:
+// A vector of bytes is computed in two halves of 16-bit lanes, which are packed.
+// Packing works within pieces, so a half makes every other half of a piece. With pieces
+// of 16 bytes:
 //   half 0   bytes  0..7           16..23           32..39          48..55
 //   half 1   bytes         8..15            24..31          40..47          56..63
 // With VBMI, where a piece is a vector, these are its lower and its upper half, so the
@@ -123,28 +124,29 @@ HWY_INLINE size_t byteOfLane(size_t half, size_t lane) {
   return lane / kLanes * kPieceBytes + half * kLanes + lane % kLanes;
 }
 
-// Packs two such halves into bytes less 128, limits them, and stores the bytes.
+// Packs two such halves, which hold bytes less 128, saturating, and stores the bytes.
 HWY_INLINE void storeHalves(Vec<I16> first, Vec<I16> second, uint8_t* to) {
   Vec<U8> bytes = asU8(packSignedInBlocks(first, second));
   if (kPieceBytes > 16) bytes = joinBlocks(bytes);
   store(hn::Xor(bytes, hn::Set(u8, 128)), to);
 }
 
-// Samples less 128, as signed bytes.
+// Returns samples less 128, as signed bytes.
 HWY_INLINE Vec<I8> centred(Vec<U8> samples) {
   return hn::BitCast(i8, hn::Xor(samples, hn::Set(u8, 128)));
 }
 
-// The number of vectors that cover `bytes` bytes.
+// Returns the number of vectors that cover `bytes` bytes.
 HWY_INLINE size_t vectorsFor(size_t bytes) { return (bytes + kBytes - 1) / kBytes; }
 
-// Where a vector begins; the last one is moved back so that it ends with the bytes.
+// Returns where a vector begins. The last one is moved back so that it ends with the
+// bytes.
 HWY_INLINE size_t vectorStart(size_t vector, size_t bytes) {
   const size_t start = vector * kBytes, last = bytes - kBytes;
 #if ZELM_NEON
-  return start + kBytes <= bytes ? start : last;  // a branch, which GCC finds cheaper
+  return start + kBytes <= bytes ? start : last;  // of this GCC makes a branch
 #else
-  return start < last ? start : last;
+  return start < last ? start : last;  // and of this a conditional move
 #endif
 }
 

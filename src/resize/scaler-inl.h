@@ -74,12 +74,11 @@ class UnitTables {
 #endif  // ZELM_VECTORS
 
 // The source rows of a strip as they are.
-template <class M, class Columns>
 class SourceRows {
  public:
-  SourceRows(const Region& from, const Columns&) : from_(from) {}
+  explicit SourceRows(const Region& from) : from_(from) {}
 
-  HWY_INLINE const uint8_t* get(size_t y) { return from_.row(y); }
+  HWY_INLINE const uint8_t* get(size_t y) const { return from_.row(y); }
 
  private:
   const Region& from_;
@@ -155,7 +154,7 @@ class Scaler {
   HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
     if constexpr (Columns::kDirect) {
       if (!Columns::kKept || 2 * from_.rows >= 3 * to_.rows) {
-        makeRows(SourceRows<M, Columns>(from_, columns), columns, first, bytes);
+        makeRows(SourceRows(from_), columns, first, bytes);
         return;
       }
     }
@@ -172,7 +171,7 @@ class Scaler {
     typename M::RowTap tap(down_, 0);
     for (size_t y = 0; y < to_.rows; ++y) {
       uint8_t* row = to_.row(y) + first;
-      const typename M::RowTap next(down_, y + 1);
+      const typename M::RowTap next(down_, y + 1 < to_.rows ? y + 1 : y);
       if (M::kTaps == 1 && tap.row[0] == previous) {
         copyBytes(row, row - to_.stride, bytes);
       } else {
@@ -184,6 +183,8 @@ class Scaler {
     }
   }
 
+  // The rows are taken one by one, not in a loop, so that their addresses stay in
+  // registers.
   template <class Rows, class Columns, size_t... kTap>
   static HWY_INLINE void makeRow(Rows&& rows, const Columns& columns, uint8_t* to,
                                  const typename M::RowTap& tap, const uint8_t* ahead,
