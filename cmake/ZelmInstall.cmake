@@ -42,6 +42,6 @@ if(TARGET zelm-imageutil)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
 endif()
 
-if(PROJECT_IS_TOP_LEVEL)
+if(ZELM_TOP_LEVEL)
   include(ZelmPackages)
 endif()

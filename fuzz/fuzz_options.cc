@@ -1,31 +1,26 @@
-// The program's command line: options or one kind of exception.
+// Parses command lines of the program: the result is options or one kind of exception.
 #include <stdint.h>
 #include <stdio.h>
-#include <stdlib.h>
 
 #include <string>
 #include <vector>
 
 #include "failure.h"
+#include "finding.h"
 #include "options.h"
 
 namespace {
 
+using fuzz::check;
 using zelm_tool::Command;
-
-void check(bool holds, const char* what) {
-  if (holds) return;
-  fprintf(stderr, "FINDING in options: %s\n", what);
-  abort();
-}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  return freopen("/dev/null", "w", stdout) == nullptr;  // help and version
+  return freopen("/dev/null", "w", stdout) == nullptr;  // help and version are printed
 }
 
-// Arguments end with a newline or a zero.
+// Each argument ends with a newline or a zero.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   std::vector<std::string> arguments = {"zelm-imageutil", ""};
   for (size_t i = 0; i < size; ++i) {

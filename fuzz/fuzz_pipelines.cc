@@ -1,84 +1,38 @@
 // The pipelines on valid, nearly valid and hostile records.
-#include <stdlib.h>
-
 #include "compare.h"
+#include "memory.h"
+#include "pipelines.h"
 
 namespace {
 
-const uint32_t kFormats[] = {FORMAT_YUV420SP,    FORMAT_YUV420SPVU, FORMAT_YUV420P,
-                             FORMAT_RGB565,      FORMAT_RGB888,     FORMAT_RGBA8888,
-                             FORMAT_YUV422IUYVY, FORMAT_YUV420SPMB, FORMAT_YUV422SP,
-                             FORMAT_YUV422SPVU};
+using harness::Frame;
+
 constexpr size_t kLargest = size_t{1} << 18;
 
-bool watching;
-int requests, refused, live;
-
-struct Arguments {
-  int pipeline, a, b, reserved;
-};
-
-using Pipeline = int (*)(ImageStruct, ImageStruct, int, int, int);
-
-int rotate(ImageStruct src, ImageStruct dst, int mode, int rotation, int) {
-  return Zelm_Rotate_and_Convert(src, dst, mode, rotation);
-}
-int plainRotate(ImageStruct src, ImageStruct dst, int mode, int rotation, int) {
-  return reference::Zelm_Rotate_and_Convert(src, dst, mode, rotation);
-}
-
-int product(const void* context, ImageStruct* d, ImageStruct* s) {
-  const auto& call = *static_cast<const Arguments*>(context);
-  const Pipeline pipelines[] = {
-      [](ImageStruct from, ImageStruct to, int a, int b, int c) -> int {
-        return Zelm_Resize_and_Convert(from, to, a, b, c);
-      },
-      [](ImageStruct from, ImageStruct to, int a, int b, int c) -> int {
-        return Zelm_Convert_and_Resize(from, to, a, b, c);
-      },
-      rotate};
-  requests = live = 0;
-  watching = true;
-  const int code = pipelines[call.pipeline](*s, *d, call.a, call.b, call.reserved);
-  watching = false;
-  if (live != 0) fuzz::finding("pipeline", "buffers not freed", *d, *s);
-  return code;
-}
-
-int expected(const void* context, ImageStruct* d, ImageStruct* s) {
-  if (refused > 0 && requests >= refused) return RESULT_NO_MEMORY;
-  const auto& call = *static_cast<const Arguments*>(context);
-  const Pipeline pipelines[] = {reference::Zelm_Resize_and_Convert,
-                                reference::Zelm_Convert_and_Resize, plainRotate};
-  return pipelines[call.pipeline](*s, *d, call.a, call.b, call.reserved);
-}
-
-// The side of a frame, even unless it is meant to be refused.
+// The side of a frame: even, or any number where the frame may be refused.
 uint32_t side(fuzz::Input* input, bool hostile) {
   if (!hostile) return 2 + static_cast<uint32_t>(input->extent(140) / 2 * 2);
   return input->word() >> (input->below(2) * 8) & 0xFFFF;
 }
 
-// A whole frame, made smaller until it is small enough.
-fuzz::Frame whole(uint32_t format, uint32_t w, uint32_t h, uint32_t gap = 0) {
-  size_t bytes = zelmFrameLayout(format, w, h).size;
-  while (bytes > kLargest) {
+// A whole frame, reduced until its buffer is small enough.
+Frame whole(uint32_t format, uint32_t w, uint32_t h, uint32_t gap = 0) {
+  while (zelmFrameLayout(format, w, h).size > kLargest) {
     (w > h ? w : h) /= 4;
     w += w & 1, h += h & 1;
-    bytes = zelmFrameLayout(format, w, h).size;
   }
-  return {zelmWholeFrame(format, w, h, nullptr), (bytes < 4 ? 4 : bytes) + gap, 1, 0};
+  return harness::wholeFrame(format, w, h, gap);
 }
 
-fuzz::Frame frame(fuzz::Input* input, int hostile) {
-  const uint32_t format = hostile & 1 ? input->word() : kFormats[input->byte() % 10];
+Frame frame(fuzz::Input* input, int hostile) {
+  const uint32_t format =
+      hostile & 1 ? input->word() : harness::kFormats[input->byte() % 10];
   uint32_t w = side(input, hostile & 2), h = side(input, hostile & 4);
   const uint32_t gap =
       input->below(4) == 0 ? static_cast<uint32_t>(input->below(9)) : 0;
-  fuzz::Frame f = whole(format, w, h, gap);
+  Frame f = whole(format, w, h, gap);
   w = f.record.width, h = f.record.height;
   ImageStruct& r = f.record;
-  r.uvOffset += gap;
   if (hostile & 8) {
     r.roiX = static_cast<int>(input->word());
     r.roiY = static_cast<int>(input->word()) >> input->below(32);
@@ -98,7 +52,7 @@ fuzz::Frame frame(fuzz::Input* input, int hostile) {
   return f;
 }
 
-// Otherwise the region is rounded, as checkStruct leaves it.
+// Rounds the region as checkStruct() does, unless the record is refused.
 bool refusedByCheck(ImageStruct* record) {
   static uint8_t sample;
   record->data = &sample;
@@ -109,40 +63,26 @@ bool refusedByCheck(ImageStruct* record) {
 
 }  // namespace
 
-extern "C" {
-
-void* __real_malloc(size_t size);
-void __real_free(void* pointer);
-
-void* __wrap_malloc(size_t size) {
-  if (!watching) return __real_malloc(size);
-  if (++requests == refused) return nullptr;
-  ++live;
-  return __real_malloc(size);
-}
-
-void __wrap_free(void* pointer) {
-  if (watching && pointer != nullptr) --live;
-  __real_free(pointer);
-}
-
-int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   fuzz::Input input(bytes, size);
   const int kind = input.byte(), errors = input.byte();
-  Arguments call{kind % 3, 2 + input.below(3), 2 + input.below(3), input.byte()};
-  if (call.pipeline == 2) {
+  int a = 2 + input.below(3), b = 2 + input.below(3);
+  const int reserved = input.byte();
+  const bool direct = kind % 3 == 1, rotated = kind % 3 == 2;
+  if (rotated) {
     const int rotations[] = {0, 1, 2, 4};
-    call.a = 1, call.b = rotations[call.b + input.below(2) & 3];
+    a = 1, b = rotations[(b + input.below(2)) & 3];
   }
-  if (errors % 16 == 1) call.a = static_cast<int>(input.word()) >> input.below(32);
-  if (errors % 16 == 2) call.b = static_cast<int>(input.word()) >> input.below(32);
-  refused = errors % 8 == 3 ? 1 + input.below(4) : 0;
+  if (errors % 16 == 1) a = static_cast<int>(input.word()) >> input.below(32);
+  if (errors % 16 == 2) b = static_cast<int>(input.word()) >> input.below(32);
+  const int refused = errors % 8 == 3 ? 1 + input.below(4) : 0;
   // Most records are valid, and most of the others wrong in one respect.
   const int wrong = input.byte();
   auto src = frame(&input, wrong % 8 == 1 ? input.byte() : 0);
   auto dst = frame(&input, wrong % 8 == 2 ? input.byte() : 0);
   ImageStruct s = src.record;
-  if (wrong >> 3 & 1 && !refusedByCheck(&s)) {  // where equal regions matter
+  // A destination of the same or the turned size.
+  if (wrong >> 3 & 1 && !refusedByCheck(&s)) {
     const bool turned = wrong >> 4 & 1;
     const uint32_t w = turned ? s.height : s.width, h = turned ? s.width : s.height;
     dst = whole(dst.record.format, w, h);
@@ -154,14 +94,22 @@ int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
       d.roiHeight = turned ? s.roiWidth : s.roiHeight;
     }
   }
-  if (call.pipeline == 1) {  // nothing is checked there
+  if (direct) {  // that call checks nothing
     if (dst.record.format != FORMAT_YUV420SPVU) {
       dst = whole(FORMAT_YUV420SPVU, dst.record.width, dst.record.height);
     }
     if (refusedByCheck(&src.record) || refusedByCheck(&dst.record)) return 0;
-    if (wrong >> 6 == 3) dst.record.format = kFormats[input.below(10)];
+    if (wrong >> 6 == 3) dst.record.format = harness::kFormats[input.below(10)];
   }
-  fuzz::compare("pipeline", &call, product, expected, dst, src, &input);
+  harness::Call call = direct    ? harness::convertAndResize(a, b, reserved)
+                       : rotated ? harness::rotateAndConvert(a, b)
+                                 : harness::resizeAndConvert(a, b, reserved);
+  memory::State& heap = memory::state();
+  heap.refuse = refused;
+  const auto expected = call.expected;
+  call.expected = [&](ImageStruct* d, ImageStruct* s) {
+    return refused > 0 && heap.requests >= refused ? RESULT_NO_MEMORY : expected(d, s);
+  };
+  fuzz::compare(call, dst, src, &input);
   return 0;
-}
 }

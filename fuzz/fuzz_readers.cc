@@ -1,5 +1,6 @@
-// The program's readers on files of any bytes: frames or one kind of exception, no more
-// memory than a frame and no more than arrives, and the bytes of the file.
+// Reads files of any bytes with the program's readers. The result is frames that hold
+// the bytes of the file or one kind of exception, and no more memory is taken than a
+// frame needs or the file has bytes.
 #include <sanitizer/allocator_interface.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -7,25 +8,22 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "compare.h"
 #include "failure.h"
+#include "finding.h"
 #include "frame_reader.h"
+#include "input.h"
 
 namespace {
 
+using fuzz::check;
 using zelm_tool::FrameReader;
 
-constexpr size_t kPiece = size_t{4} << 20;   // what a reader may take ahead
+constexpr size_t kPiece = size_t{4} << 20;   // what a reader may allocate in advance
 constexpr size_t kBeside = size_t{1} << 17;  // names, messages, file buffers
-size_t largest;                              // of the requests for memory
+size_t largest;                              // request for memory
 
 void noteRequest(const volatile void*, size_t size) {
   if (size > largest) largest = size;
-}
-
-[[noreturn]] void finding(const char* what) {
-  fprintf(stderr, "FINDING in readers: %s\n", what);
-  abort();
 }
 
 const char* const kSizes[] = {"2x2", "8x4", "6x10", "34x2", "65534x65534", "3x4", ""};
@@ -53,23 +51,20 @@ void readAll(const zelm_tool::InputOptions& in, const uint8_t* bytes, size_t siz
   if (reader.y4m()) {
     const std::string line = zelm_tool::formatY4mHeader(*reader.y4m());
     zelm_tool::Y4mHeader again = zelm_tool::parseY4mHeader("again", line);
-    if (again.size != reader.size() || again.tags != reader.y4m()->tags) {
-      finding("a header read, written and read differs");
-    }
+    check(again.size == reader.size() && again.tags == reader.y4m()->tags,
+          "a header read, written and read differs");
     zelm_tool::turnAspect(&again);
   }
   uint64_t frames = 0;
   while (zelm_tool::Frame* frame = reader.next()) {
     const uint64_t start = (in.skip + frames++) * frameBytes;
-    if (start + frameBytes > size && in.stride == 0)
-      finding("more than the file holds");
-    if (plain && memcmp(frame->data(), bytes + start, frameBytes) != 0) {
-      finding("other bytes than the file's");
-    }
-    if (largest > frame->bytes() + kBeside) finding("more memory than a frame");
+    check(start + frameBytes <= size || in.stride != 0, "more than the file holds");
+    check(!plain || memcmp(frame->data(), bytes + start, frameBytes) == 0,
+          "other bytes than the file's");
+    check(largest <= frame->bytes() + kBeside, "more memory than a frame");
   }
-  if (frames == 0) finding("no frame and no message");
-  if (in.frames != 0 && frames > in.frames) finding("too many frames");
+  check(frames > 0, "no frame and no message");
+  check(in.frames == 0 || frames <= in.frames, "too many frames");
 }
 
 }  // namespace
@@ -92,8 +87,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   try {
     readAll(in, input.rest(), input.left());
   } catch (const zelm_tool::Failure& failure) {
-    if (failure.what()[0] == '\0') finding("an empty message");
+    check(failure.what()[0] != '\0', "an empty message");
   }
-  if (largest > input.left() + kPiece + kBeside) finding("more memory than arrived");
+  check(largest <= input.left() + kPiece + kBeside, "more memory than arrived");
   return 0;
 }

@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const harness::Stage& stage = stages[input.byte() % stages.size()];
   const harness::Fit fit = stage.fit;
   using harness::Fit;
-  // Long one way or the other, so that no image is large.
+  // Long in one direction only, so that no image is large.
   const bool wide = input.byte() % 2 == 0;
   const int w = input.extent(wide ? 2050 : 20), h = input.extent(wide ? 8 : 150);
   harness::Size region{w, h}, other{input.below(3), input.below(3)};
@@ -24,16 +24,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   harness::Random random(input.word());
   const auto dst = harness::makeFrame(stage.dst, fit, sizes.dst, margins & 1, &random);
   const auto src = harness::makeFrame(stage.src, fit, sizes.src, margins & 2, &random);
-  fuzz::compare(
-      stage.name, &stage,
-      [](const void* context, ImageStruct* d, ImageStruct* s) {
-        static_cast<const harness::Stage*>(context)->product(d, s);
-        return 0;
-      },
-      [](const void* context, ImageStruct* d, ImageStruct* s) {
-        static_cast<const harness::Stage*>(context)->expected(d, s);
-        return 0;
-      },
-      dst, src, &input);
+  fuzz::compare(harness::callOf(stage), dst, src, &input);
   return 0;
 }

@@ -1,23 +1,19 @@
-// The texts in the program's options: values or one kind of exception.
+// Parses the texts in the program's options: the result is a value or one kind of
+// exception.
 #include <stdint.h>
-#include <stdio.h>
-#include <stdlib.h>
 
 #include <sstream>
 #include <string>
 #include <string_view>
 
 #include "failure.h"
+#include "finding.h"
 #include "formats.h"
 #include "geometry.h"
 
 namespace {
 
-void check(bool holds, const char* what) {
-  if (holds) return;
-  fprintf(stderr, "FINDING in texts: %s\n", what);
-  abort();
-}
+using fuzz::check;
 
 template <class Value>
 std::string written(const Value& value) {
@@ -26,7 +22,7 @@ std::string written(const Value& value) {
   return out.str();
 }
 
-// What is understood, written and read again is the same.
+// A text that is understood has the same value after it is written and parsed again.
 void checkSize(const std::string& text) {
   const zelm_tool::Size size = zelm_tool::parseSize("--size", text);
   check(zelm_tool::parseSize("--size", written(size)) == size, "another size");

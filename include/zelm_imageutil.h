@@ -68,6 +68,16 @@
 #include <stdint.h>
 #include <string.h>
 
+/* The version of this header: major * 10000 + minor * 100 + patch, as in
+ * #if ZELM_IMAGEUTIL_VERSION >= 10100. Programs that run with a library of
+ * another 1.x get what that one does. */
+#define ZELM_IMAGEUTIL_VERSION_MAJOR 1
+#define ZELM_IMAGEUTIL_VERSION_MINOR 1
+#define ZELM_IMAGEUTIL_VERSION_PATCH 0
+#define ZELM_IMAGEUTIL_VERSION                                             \
+  (ZELM_IMAGEUTIL_VERSION_MAJOR * 10000 + ZELM_IMAGEUTIL_VERSION_MINOR * 100 + \
+   ZELM_IMAGEUTIL_VERSION_PATCH)
+
 #if defined(__GNUC__)
 #define ZELM_API __attribute__((visibility("default")))
 #else
@@ -277,8 +287,12 @@ static inline ZelmFrameLayout zelmFrameLayout(uint32_t format, uint32_t width,
  *
  * The region is the whole image, uvOffset and dataSize are those of
  * zelmFrameLayout(), the reserved areas are zero. Set roiX, roiY, roiWidth and
- * roiHeight afterwards to work on a part of the frame. Width and height must
- * fit in 16 bits.
+ * roiHeight afterwards to work on a part of the frame.
+ *
+ * checkStruct and the pipelines that validate refuse the record of a frame that
+ * cannot exist: with RESULT_BAD_SIZE where a side is 0, odd or too large (the
+ * size of the record is then 0 x 0), with RESULT_BAD_FORMAT where no such
+ * format is known.
  */
 static inline ImageStruct zelmWholeFrame(uint32_t format, uint32_t width,
                                          uint32_t height, uint8_t *data) {
@@ -286,11 +300,60 @@ static inline ImageStruct zelmWholeFrame(uint32_t format, uint32_t width,
   ImageStruct frame;
   memset(&frame, 0, sizeof frame);
   frame.format = format;
-  frame.width = frame.roiWidth = (uint16_t)width;
-  frame.height = frame.roiHeight = (uint16_t)height;
   frame.data = data;
+  if (width <= 0xFFFF && height <= 0xFFFF) {
+    frame.width = frame.roiWidth = (uint16_t)width;
+    frame.height = frame.roiHeight = (uint16_t)height;
+  }
   frame.uvOffset = layout.uvOffset;
   frame.dataSize = (uint32_t)layout.size;
+  return frame;
+}
+
+/* zelmPaddedFrame - a record for a frame whose rows are padded.
+ *
+ * Cameras and decoders often hand out rows that are longer than the picture is
+ * wide, and a chroma plane that does not begin where the luma plane's last row
+ * would end. A record has no field for the stride: its `width` is the stride,
+ * and the picture is a region of the frame.
+ *
+ *   width, height  of the picture in pixels
+ *   rowStride      bytes from one luma row (or packed row) to the next
+ *   chromaOffset   bytes from `data` to the chroma plane; 0 where the format
+ *                  has a single plane
+ *
+ * Formats are the semi-planar and the packed ones. The chroma rows of a
+ * semi-planar frame have the luma's stride. The record's `height` is that of
+ * the picture; dataSize is 0, as only the caller knows where the buffer ends.
+ *
+ *   ImageStruct src = zelmPaddedFrame(FORMAT_YUV420SP, 1280, 720, 1344,
+ *                                     1344 * 736, camera);
+ *
+ * The record of a frame that cannot be described like this is 0 x 0 pixels
+ * large, and checkStruct refuses it with RESULT_BAD_SIZE: a side that is 0, odd
+ * or above 65534; a stride that is shorter than a row, above 65534 pixels, or
+ * no even number of pixels; a planar, tiled or unknown format.
+ */
+static inline ImageStruct zelmPaddedFrame(uint32_t format, uint32_t width,
+                                          uint32_t height, uint32_t rowStride,
+                                          uint32_t chromaOffset, uint8_t *data) {
+  const ZelmFrameLayout picture = zelmFrameLayout(format, width, height);
+  const uint32_t pixelBytes = format == FORMAT_RGBA8888 ? 4
+                              : format == FORMAT_RGB888 ? 3
+                              : picture.uvOffset == 0   ? 2
+                                                        : 1;
+  const uint32_t columns = rowStride / pixelBytes;
+  const int possible = picture.size != 0 && format != FORMAT_YUV420P &&
+                       format != FORMAT_YUV420SPMB && columns >= width &&
+                       columns % 2 == 0 && columns <= 65534 &&
+                       rowStride % pixelBytes == 0;
+  ImageStruct frame = zelmWholeFrame(format, possible ? columns : 0,
+                                     possible ? height : 0, data);
+  if (possible) {
+    frame.roiWidth = (uint16_t)width;
+    frame.uvOffset = chromaOffset;
+    frame.dataSize = 0;
+  }
   return frame;
 }
 

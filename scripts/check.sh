@@ -33,12 +33,10 @@ configure() {
     -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON "${@:2}"
 }
 
-# sanitized NAME SANITIZERS: the whole suite with these. Highway then checks itself, and
-# needs its library to say what is wrong.
+# sanitized NAME SANITIZERS: the whole suite with these.
 sanitized() {
   local flags="-fsanitize=$2 -fno-sanitize-recover=all -fno-omit-frame-pointer -g1"
-  configure "build-$1" -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$flags" \
-    -DCMAKE_C_STANDARD_LIBRARIES=-lhwy -DCMAKE_CXX_STANDARD_LIBRARIES=-lhwy &&
+  configure "build-$1" -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$flags" &&
     cmake --build "build-$1" -j "$jobs" &&
     ctest --test-dir "build-$1" --no-tests=error --output-on-failure -j "$jobs" \
       -E "${LEAVE_OUT:-^$}"

@@ -13,6 +13,7 @@ demo_packages="$build_packages ffmpeg"
 fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
 docs_packages="doxygen doxygen-awesome-css"
 format_packages="clang-format git"
+chroot_packages="mmdebstrap git"
 
 # Prints those of the packages that are not installed.
 missing_packages() {

@@ -3,6 +3,7 @@
 # As root it installs what is missing.
 #   scripts/test-arm.sh [armv7-neon | armv7-plain | aarch64]...
 #   SANITIZE=1 scripts/test-arm.sh ...    with the address and undefined-behaviour sanitizers
+#   HIGHWAY_INCLUDE_DIR=FOLDER scripts/test-arm.sh ...    with these headers of Highway
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -10,6 +11,10 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # shellcheck disable=SC2086  # a list of words
 require_packages $arm_packages
+
+highway=${HIGHWAY_INCLUDE_DIR:-/usr/include}
+fpu=neon
+grep -q HWY_BROKEN_ARM7_WITHOUT_VFP4 "$highway/hwy/detect_targets.h" && fpu=neon-vfpv4
 
 [ $# -gt 0 ] || set -- armv7-neon armv7-plain aarch64
 for target in "$@"; do
@@ -29,7 +34,8 @@ for target in "$@"; do
     export ASAN_OPTIONS=detect_leaks=0  # needs ptrace, which the emulator has not
   fi
   cmake -S . -B "$build" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/$toolchain.cmake" \
-    -DCMAKE_BUILD_TYPE=$type -DZELM_VECTORS=$vectors \
+    -DCMAKE_BUILD_TYPE=$type -DZELM_VECTORS=$vectors -DHIGHWAY_INCLUDE_DIR="$highway" \
+    -DZELM_ARMV7_FPU=$fpu \
     -DZELM_BUILD_TOOL=OFF -DZELM_BUILD_TESTS=ON
   cmake --build "$build" -j "$(nproc)"
   note=$(ctest --test-dir "$build" -V -R InstructionSet.Choice |

@@ -31,9 +31,8 @@ inline Region packedRegion(const ImageStruct& image, size_t bytes) {
 
 inline Region lumaRegion(const ImageStruct& image) { return packedRegion(image, 1); }
 
-// Interleaved 4:2:0 chroma that starts `offset`
-// bytes into the buffer. The region's column is a byte position: it is even, so
-// it names a whole pair.
+// Interleaved 4:2:0 chroma that starts `offset` bytes into the buffer. The region's
+// column is a byte position: it is even, so it names a whole pair.
 inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
   const ptrdiff_t stride = image.width;
   return {image.data + offset + (image.roiY >> 1) * stride + image.roiX,
@@ -44,6 +43,11 @@ inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
 // Chroma of a semi-planar 4:2:0 frame.
 inline Region chromaRegion(const ImageStruct& image) {
   return chromaRegionAt(image, image.uvOffset);
+}
+
+// The same where chroma follows a luma plane of width x height, wherever uvOffset says.
+inline Region chromaRegionBehindLuma(const ImageStruct& image) {
+  return chromaRegionAt(image, static_cast<size_t>(image.width) * image.height);
 }
 
 // How many rows a kernel is given, and of how many bytes.

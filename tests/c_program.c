@@ -8,7 +8,7 @@ static int failures = 0;
 #define check(holds) \
   if (!(holds)) printf("line %d: %s\n", __LINE__, #holds), ++failures
 
-/* Programs that were compiled long ago pass and compare these numbers. */
+/* The numbers are part of the binary interface. */
 static const int codes[][2] = {{FORMAT_YUV420P, 1},
                                {FORMAT_YUV420SP, 2},
                                {FORMAT_YUV420SPVU, 4},

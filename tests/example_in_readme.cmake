@@ -1,3 +1,4 @@
+# The README shows the example as it is.
 # cmake -DREADME=... -DEXAMPLE=... -P example_in_readme.cmake
 file(READ ${README} readme)
 file(READ ${EXAMPLE} example)

@@ -1,3 +1,4 @@
+# The example writes the same picture as the program.
 # cmake -DTOOL=... -DPREVIEW=... -DFOLDER=... -P example_runs.cmake
 set(card ${FOLDER}/example.nv21)
 set(ours ${FOLDER}/example.ppm)

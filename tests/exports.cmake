@@ -1,6 +1,6 @@
-# cmake -DLIBRARY=... -DMAP=... -DNM=... -DREADELF=... -P exports.cmake
 # The shared library exports the names of the map and no other, carries its name, and
 # needs nothing but the C library and its mathematics.
+# cmake -DLIBRARY=... -DMAP=... -DNM=... -DREADELF=... -P exports.cmake
 file(STRINGS ${MAP} expected REGEX "^    [A-Za-z]")
 list(TRANSFORM expected REPLACE "[ ;]" "")
 list(SORT expected)

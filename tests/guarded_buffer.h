@@ -1,9 +1,10 @@
-// Memory with an inaccessible page on both sides: a buffer placed at the end of it
-// faults on the first byte read or written behind, one at the start on the first
-// before.
+// Memory between two inaccessible pages. An access behind a buffer that is placed at
+// its end, or before one that is placed at its start, is a fault. For the address
+// sanitizer all bytes but those of the buffer are poisoned.
 #ifndef ZELM_TESTS_GUARDED_BUFFER_H
 #define ZELM_TESTS_GUARDED_BUFFER_H
 
+#include <sanitizer/asan_interface.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/mman.h>
@@ -20,7 +21,7 @@ class GuardedBuffer {
   GuardedBuffer& operator=(const GuardedBuffer&) = delete;
   ~GuardedBuffer() { release(); }
 
-  // `size` bytes touching a guard; what an earlier call returned is gone.
+  // Returns `size` bytes that touch a guard. It invalidates what it returned before.
   uint8_t* place(size_t size, Guard guard) {
     const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     if (size > capacity_ || mapping_ == nullptr) {
@@ -35,12 +36,17 @@ class GuardedBuffer {
       }
     }
     uint8_t* start = mapping_ + page;
-    return guard == Guard::kBefore ? start : start + (capacity_ - size);
+    if (guard == Guard::kBehind) start += capacity_ - size;
+    ASAN_POISON_MEMORY_REGION(mapping_ + page, capacity_);
+    ASAN_UNPOISON_MEMORY_REGION(start, size);
+    return start;
   }
 
  private:
   void release() {
-    if (mapping_ != nullptr) munmap(mapping_, mapped_);
+    if (mapping_ == nullptr) return;
+    ASAN_UNPOISON_MEMORY_REGION(mapping_, mapped_);
+    munmap(mapping_, mapped_);
     mapping_ = nullptr;
   }
 

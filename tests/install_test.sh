@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Uses the library as other programs do, once it is installed.
+# Uses the installed library as other programs do.
 #   install_test.sh tree BUILD [CONFIG]      from an installed tree, before and after
 #                                            the tree was moved
 #   install_test.sh packages BUILD [DEB...]  from unpacked Debian packages, by default
@@ -26,7 +26,7 @@ need() {
   done
 }
 
-# uses PROGRAM LIBRARY: it runs, with this shared library (none: with none of ours).
+# uses PROGRAM LIBRARY: the program runs with this shared library, or with none if empty.
 uses() {
   local found
   "$1" || fail "$1 fails"
@@ -71,7 +71,7 @@ through_pkg_config() {
   unset LD_LIBRARY_PATH
 }
 
-# The program makes a frame, has its page, and bash completes its commands.
+# The program makes a frame and has its manual page, and bash completes its commands.
 try_tool() {
   local tree=$1 bytes
   bytes=$("$tree/bin/zelm-imageutil" testcard - --size 64x48 --to nv21 | wc -c)

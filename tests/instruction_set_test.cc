@@ -26,7 +26,7 @@ const char* compiledFor() {
   return "AVX2";
 #elif HWY_TARGET == HWY_SSE4
   return "SSE4";
-#elif HWY_TARGET == HWY_NEON
+#elif ZELM_NEON
   return "NEON";
 #endif
 }
@@ -36,20 +36,21 @@ const char* compiledFor() {
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-#include "simd/again_with_vbmi.h"
+#include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#if defined(__x86_64__)
+#include <cpuid.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 
 #include "instruction_set_ceiling.h"
-#if defined(__x86_64__)
-#include "ask_processor.h"
-#endif
 
 namespace zelm {
 namespace {
@@ -97,12 +98,37 @@ TEST(InstructionSet, ChoiceEndsAtTheFirstGapAndAtTheCeiling) {
 
 #if defined(__x86_64__)
 
+// What the processor says of itself, without the compiler's help.
+ProcessorFeatures askProcessor() {
+  unsigned a, b, c, d, b7, c7, saved = 0;
+  if (__get_cpuid(1, &a, &b, &c, &d) == 0) return {};
+  const auto all = [](unsigned word, std::initializer_list<int> bits) {
+    return std::all_of(bits.begin(), bits.end(),
+                       [word](int bit) { return (word >> bit & 1) != 0; });
+  };
+  const unsigned c1 = c;
+  // The registers that the operating system saves: upper halves of ymm, masks, zmm.
+  if (all(c1, {27})) asm volatile("xgetbv" : "=a"(saved), "=d"(d) : "c"(0));
+  if (__get_cpuid_count(7, 0, &a, &b7, &c7, &d) == 0) b7 = c7 = 0;
+  const bool ymm = all(saved, {1, 2}), zmm = ymm && all(saved, {5, 6, 7});
+  return {all(c1, {9, 19, 20}), ymm && all(c1, {12}) && all(b7, {3, 5, 8}),
+          zmm && all(b7, {16, 17, 30, 31}), zmm && all(c7, {1, 11})};
+}
+
+TEST(InstructionSet, FeaturesAreThoseOfTheProcessor) {
+  const ProcessorFeatures features = processorFeatures(), asked = askProcessor();
+  EXPECT_EQ(features.sse4, asked.sse4);
+  EXPECT_EQ(features.avx2, asked.avx2);
+  EXPECT_EQ(features.avx512, asked.avx512);
+  EXPECT_EQ(features.vbmi, asked.vbmi);
+}
+
 TEST(InstructionSet, IsTheHighestUpToTheCeiling) {
   const InstructionSet set =
-      chooseInstructionSet(askProcessor(), instructionSetCeiling());
+      chooseInstructionSet(processorFeatures(), instructionSetCeiling());
   EXPECT_EQ(instructionSet(), set);
 #if ZELM_HIGHWAY
-  // The compiler may take more for granted than was asked for.
+  // Options of the compiler may raise the lowest set that is compiled.
   const InstructionSet baseline =
       HWY_STATIC_TARGET == HWY_AVX3   ? InstructionSet::kAvx512
       : HWY_STATIC_TARGET == HWY_AVX2 ? InstructionSet::kAvx2
@@ -116,7 +142,7 @@ TEST(InstructionSet, IsTheHighestUpToTheCeiling) {
 
 #elif defined(__arm__) || defined(__aarch64__)
 
-// Highway is content with plain code where the compiler's options leave out NEON.
+// Highway silently compiles plain code where the compiler's options leave out NEON.
 TEST(InstructionSet, IsNeonUnlessVectorsAreOff) {
 #if ZELM_HIGHWAY
   EXPECT_EQ(kernelRuns(), "NEON");

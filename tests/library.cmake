@@ -1,13 +1,16 @@
+# The tests of the library: comparisons for each instruction set, the header in C, and
+# what the shared library exports.
 find_package(Threads REQUIRED)
 
 # The reference knows nothing of how the library was compiled.
-add_library(zelm_test_reference STATIC reference.cc)
+add_library(zelm_test_reference STATIC reference_stages.cc reference_pipelines.cc)
 target_include_directories(zelm_test_reference PUBLIC
   ${PROJECT_SOURCE_DIR}/include ${CMAKE_CURRENT_SOURCE_DIR})
 zelm_warnings(zelm_test_reference)
 
 # What needs nothing of the library but its header.
-add_library(zelm_comparisons OBJECT harness.cc memory.cc stages.cc
+add_library(zelm_comparisons OBJECT
+  comparison.cc harness.cc memory.cc stages.cc
   stage_test.cc values_test.cc pipeline_test.cc thread_test.cc)
 target_link_libraries(zelm_comparisons PUBLIC
   zelm_test_reference GTest::gtest_main Threads::Threads m)
@@ -19,10 +22,7 @@ endif()
 
 # One program, run with each instruction set as its ceiling.
 add_executable(library_test instruction_set_test.cc)
-if(ZELM_VECTORS AND HIGHWAY_INCLUDE_DIR)
-  target_compile_definitions(library_test PRIVATE ZELM_HIGHWAY=1)
-  target_compile_options(library_test PRIVATE -idirafter ${HIGHWAY_INCLUDE_DIR})
-endif()
+zelm_use_highway(library_test)
 zelm_warnings(library_test)
 target_link_options(library_test PRIVATE -Wl,--wrap=malloc,--wrap=free)
 target_link_libraries(library_test PRIVATE zelm_comparisons zelm_objects_with_ceiling)

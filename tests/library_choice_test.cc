@@ -1,14 +1,14 @@
 // The instruction set that the library itself chooses, without a ceiling.
 #include <gtest/gtest.h>
 
-#include "ask_processor.h"
+#include "simd/instruction_set.h"
 
 namespace zelm {
 namespace {
 
 TEST(InstructionSet, OfTheLibraryIsTheHighestOfTheMachine) {
   EXPECT_EQ(instructionSet(),
-            chooseInstructionSet(askProcessor(), InstructionSet::kAvx512Vbmi));
+            chooseInstructionSet(processorFeatures(), InstructionSet::kAvx512Vbmi));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// Stands in for malloc() and free() while the heap is watched.
 #include "memory.h"
 
 #include <stdio.h>
@@ -5,6 +6,13 @@
 #include <string.h>
 
 #include "guarded_buffer.h"
+
+#ifndef __has_feature
+#define __has_feature(name) 0  // only clang has it
+#endif
+#if __has_feature(memory_sanitizer)
+#include <sanitizer/msan_interface.h>
+#endif
 
 namespace memory {
 namespace {
@@ -15,7 +23,16 @@ struct Slot {
 };
 
 thread_local State current;
-thread_local Slot slots[2];  // no call holds more buffers at a time
+thread_local Slot slots[2];  // no call holds more buffers at the same time
+
+// Fills a block with the chosen byte. For the memory sanitizer it is as uninitialised
+// as a block that malloc() returns.
+void fillUninitialised(uint8_t* start, size_t size) {
+  memset(start, current.fill, size);
+#if __has_feature(memory_sanitizer)
+  __msan_allocated_memory(start, size);
+#endif
+}
 
 }  // namespace
 
@@ -35,13 +52,13 @@ void* __wrap_malloc(size_t size) {
   if (++state.requests == state.refuse) return nullptr;
   for (memory::Slot& slot : memory::slots) {
     if (slot.start != nullptr) continue;
-    const size_t aligned = (size + 15) / 16 * 16;  // as malloc would
+    const size_t aligned = (size + 15) / 16 * 16;  // malloc() aligns blocks like this
     slot.start = slot.buffer.place(aligned, GuardedBuffer::Guard::kBehind);
-    memset(slot.start, state.fill, aligned);
+    memory::fillUninitialised(slot.start, aligned);
     ++state.live;
     return slot.start;
   }
-  fputs("more buffers at a time than any call needs\n", stderr);
+  fputs("more buffers at the same time than any call needs\n", stderr);
   abort();
 }
 
@@ -50,6 +67,7 @@ void __wrap_free(void* pointer) {
   for (memory::Slot& slot : memory::slots) {
     if (slot.start == pointer) {
       slot.start = nullptr;
+      slot.buffer.place(0, GuardedBuffer::Guard::kBehind);  // poisons the block
       --memory::current.live;
       return;
     }

@@ -1,6 +1,6 @@
-// What the library takes from the heap while it is watched: every buffer ends at an
-// inaccessible page and is full of a chosen byte, and any request can be refused.
-// The linker sends malloc and free here (--wrap).
+// Watches what the library takes from the heap: every buffer ends at an inaccessible
+// page and is filled with a chosen byte, and any request can be refused. The linker
+// redirects malloc() and free() here (--wrap).
 #ifndef ZELM_TESTS_MEMORY_H
 #define ZELM_TESTS_MEMORY_H
 
@@ -14,10 +14,10 @@ struct State {
   int refuse;  // the request to refuse, counted from 1; 0 refuses none
   uint8_t fill;
   int requests, live;  // since the watching began
-  size_t lastRequest;  // how many bytes it was for
+  size_t lastRequest;  // its size in bytes
 };
 
-// Of the calling thread.
+// The state of the calling thread.
 State& state();
 
 }  // namespace memory

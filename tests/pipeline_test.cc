@@ -5,24 +5,10 @@
 
 #include "harness.h"
 #include "memory.h"
+#include "pipelines.h"
 
 namespace harness {
 namespace {
-
-const uint32_t kFormats[] = {FORMAT_YUV420P,   FORMAT_YUV420SP,   FORMAT_YUV420SPVU,
-                             FORMAT_YUV422SP,  FORMAT_YUV422SPVU, FORMAT_YUV422IUYVY,
-                             FORMAT_RGB565,    FORMAT_RGB888,     FORMAT_RGBA8888,
-                             FORMAT_YUV420SPMB};
-
-// A frame of that size, the region to be set; for an impossible size an empty one.
-Frame makeFrame(uint32_t format, uint32_t width, uint32_t height, uint32_t gap = 0) {
-  const size_t size = zelmFrameLayout(format, width, height).size;
-  Frame f{zelmWholeFrame(format, width, height, nullptr),
-          std::max<size_t>(4, size) + gap, std::max(1u, width), 0};
-  f.record.uvOffset += gap;
-  f.chroma = f.record.uvOffset > gap ? f.record.uvOffset : f.bytes;
-  return f;
-}
 
 Frame region(Frame frame, int x, int y, int w, int h) {
   frame.record.roiX = x;
@@ -32,31 +18,7 @@ Frame region(Frame frame, int x, int y, int w, int h) {
   return frame;
 }
 
-// A call of a pipeline with two arguments of interest.
-template <class Product, class Expected, class... Rest>
-Call pipeline(const char* name, Product product, Expected expected, int a, int b,
-              Rest... rest) {
-  return {
-      std::string(name) + "(" + std::to_string(a) + ", " + std::to_string(b) + ")",
-      [=](ImageStruct* d, ImageStruct* s) -> int {
-        return product(*s, *d, a, b, rest...);
-      },
-      [=](ImageStruct* d, ImageStruct* s) { return expected(*s, *d, a, b, rest...); }};
-}
-#define CALL(function, ...) \
-  pipeline(#function, ::function, reference::function, __VA_ARGS__)
-
-Call resizeAndConvert(int luma, int chroma) {
-  return CALL(Zelm_Resize_and_Convert, luma, chroma, -1);
-}
-Call convertAndResize(int luma, int chroma) {
-  return CALL(Zelm_Convert_and_Resize, luma, chroma, -1);
-}
-Call rotateAndConvert(int mode, int rotation) {
-  return CALL(Zelm_Rotate_and_Convert, mode, rotation);
-}
-
-// The call must give this code, and the reference's bytes with it.
+// The call must return this code, and the bytes must be those of the reference.
 void expectCode(Call call, const Frame& dst, const Frame& src, int code) {
   const auto expected = call.expected;
   int given = 1;
@@ -68,31 +30,56 @@ void expectCode(Call call, const Frame& dst, const Frame& src, int code) {
                          << "; source " << describe(src.record);
 }
 
-// Source formats downwards, destination formats across, in the order of kFormats;
-// digits are negative codes.
-const char* const kEqualSizes[] = {
-    "4404444444", "5000050005", "0000050000", "4444444444", "4444444444",
-    "5505555555", "5505555555", "4444444444", "4444444444", "5505555555"};
-const char* const kOtherSizes[] = {
-    "4464444444", "4000040005", "6000040000", "4444444444", "4444444444",
-    "5505555555", "5505555555", "4444444444", "4444444444", "5505555555"};
+// The result codes when both methods are valid. Where it matters whether the two
+// regions have the same size, a source format has a row for each case.
+enum Sizes { kEqual = 1, kOther = 2, kAny = 3 };
+// clang-format off
+constexpr struct {
+  uint32_t from;
+  Sizes sizes;
+  int codes[10];  // in the order of kFormats
+} kCodes[] = {
+    // from              sizes to 420SP  420SPVU  420P  565  888  8888  422I  tiled  422SP  422SPVU
+    {FORMAT_YUV420SP,    kEqual, {    0,       0,   -5,   0,   0,    0,   -5,    -5,     0,       0}},
+    {FORMAT_YUV420SP,    kOther, {    0,       0,   -4,   0,   0,    0,   -4,    -5,     0,       0}},
+    {FORMAT_YUV420SPVU,  kEqual, {    0,       0,    0,   0,   0,    0,   -5,     0,     0,       0}},
+    {FORMAT_YUV420SPVU,  kOther, {    0,       0,   -6,   0,   0,    0,   -4,     0,     0,       0}},
+    {FORMAT_YUV420P,     kEqual, {   -4,       0,   -4,  -4,  -4,   -4,   -4,    -4,    -4,      -4}},
+    {FORMAT_YUV420P,     kOther, {   -4,      -6,   -4,  -4,  -4,   -4,   -4,    -4,    -4,      -4}},
+    {FORMAT_RGB565,      kAny,   {   -5,       0,   -5,  -5,  -5,   -5,   -5,    -5,    -5,      -5}},
+    {FORMAT_RGB888,      kAny,   {   -4,      -4,   -4,  -4,  -4,   -4,   -4,    -4,    -4,      -4}},
+    {FORMAT_RGBA8888,    kAny,   {   -4,      -4,   -4,  -4,  -4,   -4,   -4,    -4,    -4,      -4}},
+    {FORMAT_YUV422IUYVY, kAny,   {   -5,       0,   -5,  -5,  -5,   -5,   -5,    -5,    -5,      -5}},
+    {FORMAT_YUV420SPMB,  kAny,   {   -5,       0,   -5,  -5,  -5,   -5,   -5,    -5,    -5,      -5}},
+    {FORMAT_YUV422SP,    kAny,   {   -4,      -4,   -4,  -4,  -4,   -4,   -4,    -4,    -4,      -4}},
+    {FORMAT_YUV422SPVU,  kAny,   {   -4,      -4,   -4,  -4,  -4,   -4,   -4,    -4,    -4,      -4}},
+};
+// clang-format on
+
+int codeOf(uint32_t from, int to, Sizes sizes) {
+  const auto* row = kCodes;
+  while (row->from != from || (row->sizes & sizes) == 0) ++row;
+  return row->codes[to];
+}
 
 TEST(Pipeline, FormatTable) {
   struct {
     uint32_t srcW, srcH, dstW, dstH;
-    const char* const* codes;
-  } const sizes[] = {{32, 16, 32, 16, kEqualSizes},
-                     {32, 32, 20, 12, kOtherSizes},
-                     {64, 48, 16, 12, kOtherSizes},
-                     {22, 10, 48, 34, kOtherSizes}};
+    Sizes regions;
+  } const sizes[] = {
+      {32, 16, 32, 16, kEqual},
+      {32, 32, 20, 12, kOther},
+      {64, 48, 16, 12, kOther},
+      {22, 10, 48, 34, kOther},
+  };
   for (const auto& size : sizes) {
     for (int i = 0; i < 100 * 36 && !HasFailure(); ++i) {
       const int from = i / 360, to = i / 36 % 10, luma = i / 6 % 6, chroma = i % 6;
-      const Frame src = makeFrame(kFormats[from], size.srcW, size.srcH);
-      const Frame dst = makeFrame(kFormats[to], size.dstW, size.dstH);
+      const Frame src = wholeFrame(kFormats[from], size.srcW, size.srcH);
+      const Frame dst = wholeFrame(kFormats[to], size.dstW, size.dstH);
       const Call call = resizeAndConvert(luma, chroma);
       if (luma >= 2 && luma <= 4 && chroma >= 2 && chroma <= 4) {
-        expectCode(call, dst, src, '0' - size.codes[from][to]);
+        expectCode(call, dst, src, codeOf(kFormats[from], to, size.regions));
       } else {
         EXPECT_TRUE(compare(call, dst, src, kRandom, 6));
       }
@@ -102,36 +89,37 @@ TEST(Pipeline, FormatTable) {
 
 TEST(Pipeline, OrderOfErrors) {
   const uint32_t sp = FORMAT_YUV420SP, vu = FORMAT_YUV420SPVU, mb = FORMAT_YUV420SPMB;
-  const Frame good = makeFrame(sp, 32, 16), smaller = makeFrame(sp, 16, 16);
-  const Frame badSize = region(makeFrame(sp, 31, 16), 40, 0, 2, 2);
+  const Frame good = wholeFrame(sp, 32, 16), smaller = wholeFrame(sp, 16, 16);
+  const Frame badSize = region(wholeFrame(sp, 31, 16), 40, 0, 2, 2);
   Frame badRegion = region(good, 0, 0, 34, 2), badFormat = good;
   badRegion.record.format = badFormat.record.format = 8;
   const Frame empty = region(good, 4, 4, 1, 8),
-              emptyVu = region(makeFrame(vu, 32, 16), 2, 2, 8, 1);
-  const Frame planar = makeFrame(FORMAT_YUV420P, 32, 16);
-  const Frame words = makeFrame(FORMAT_RGB565, 32, 16), tiles = makeFrame(mb, 32, 16);
+              emptyVu = region(wholeFrame(vu, 32, 16), 2, 2, 8, 1);
+  const Frame planar = wholeFrame(FORMAT_YUV420P, 32, 16);
+  const Frame words = wholeFrame(FORMAT_RGB565, 32, 16), tiles = wholeFrame(mb, 32, 16);
   const Frame noWords = region(words, 2, 2, 0, 8), noTiles = region(tiles, 2, 2, 8, 0);
-  const Frame whole = makeFrame(vu, 32, 16), half = makeFrame(vu, 16, 8);
+  const Frame whole = wholeFrame(vu, 32, 16), half = wholeFrame(vu, 16, 8);
   struct {
     Frame src, dst;
     int luma, chroma, code;
   } const table[] = {
-      // The source's errors first, and size before region before format.
+      // Errors of the source come first, and size before region before format.
       {badSize, badFormat, 2, 2, -2},
       {badFormat, badSize, 2, 2, -4},
       {badRegion, badSize, 2, 2, -3},
       {good, badSize, 2, 2, -2},
       {good, badRegion, 0, 0, -3},
       {good, badFormat, 0, 0, -4},
-      // Regions of equal size and planar frames: methods do not matter.
+      // Methods do not matter for regions of equal size and for planar frames.
       {good, good, 0, 99, 0},
-      {empty, region(makeFrame(FORMAT_RGB888, 40, 40), 6, 6, 0, 8), 0, 0, 0},
+      {empty, region(wholeFrame(FORMAT_RGB888, 40, 40), 6, 6, 0, 8), 0, 0, 0},
       {planar, whole, 0, 0, 0},
       {planar, region(whole, 2, 0, 30, 16), 2, 2, -6},
       {planar, region(whole, 0, 0, 32, 14), 2, 2, -6},
       {region(planar, 2, 2, 4, 6), region(whole, 2, 2, 5, 7), 2, 2, 0},
-      {planar, makeFrame(vu, 32, 18), 2, 2, -6},
-      // Scaling: the empty destination, the empty source, luma, chroma, the format.
+      {planar, wholeFrame(vu, 32, 18), 2, 2, -6},
+      // Scaling checks the empty destination, the empty source, luma, chroma, the
+      // format.
       {good, emptyVu, 0, 0, 0},
       {good, region(planar, 0, 0, 0, 4), 0, 0, 0},
       {empty, smaller, 0, 0, -3},
@@ -141,14 +129,14 @@ TEST(Pipeline, OrderOfErrors) {
       {good, smaller, 5, 2, -7},
       {good, smaller, 2, 5, -8},
       {good, region(smaller, 2, 2, 12, 12), 3, -1, -8},
-      {good, makeFrame(vu, 8, 8), 4, 0, -8},
+      {good, wholeFrame(vu, 8, 8), 4, 0, -8},
       {good, region(planar, 0, 0, 8, 8), 2, 1, -8},
       {good, region(planar, 0, 0, 8, 8), 2, 2, -4},
       {whole, tiles, 1, 2, -7},
       {whole, tiles, 2, 1, -8},
       {emptyVu, tiles, 1, 2, -3},
       {whole, noTiles, 1, 2, 0},
-      // Handed on.
+      // These are handed on to Zelm_Convert_and_Resize().
       {words, whole, 0, 0, 0},
       {words, half, 1, 1, -7},
       {words, half, 2, 1, -8},
@@ -167,7 +155,7 @@ TEST(Pipeline, OrderOfErrors) {
   for (const auto& t : table)
     expectCode(resizeAndConvert(t.luma, t.chroma), t.dst, t.src, t.code);
 
-  // Called directly, a foreign source is found before its empty region.
+  // Called directly, it checks the source's format before its empty region.
   expectCode(convertAndResize(2, 2), half, good, -4);
   expectCode(convertAndResize(2, 2), whole, good, -4);
   expectCode(convertAndResize(0, 0), half, empty, -4);
@@ -182,8 +170,8 @@ TEST(Pipeline, OrderOfErrors) {
   EXPECT_EQ(Zelm_Rotate_and_Convert(other, none, 1, 0), RESULT_BAD_FORMAT);
 }
 
-// Every request for memory refused in turn: -12, and nothing written.
-// What is asked for holds the frame, or nothing is asked for: sizes do not wrap around.
+// The request for memory is as large as the frame, or there is none: sizes do not wrap
+// around.
 TEST(Pipeline, LargestFrameInBetween) {
   uint8_t sample;
   ImageStruct src = zelmWholeFrame(FORMAT_YUV420SPVU, 64, 48, &sample);
@@ -198,6 +186,8 @@ TEST(Pipeline, LargestFrameInBetween) {
   EXPECT_EQ(heap.lastRequest, bytes > SIZE_MAX ? 0 : bytes);
 }
 
+// Every request for memory is refused in turn: the code says so, and nothing is
+// written.
 TEST(Pipeline, NoMemory) {
   struct {
     uint32_t from, to;
@@ -219,9 +209,10 @@ TEST(Pipeline, NoMemory) {
       {FORMAT_YUV420SPMB, FORMAT_YUV420SPVU, 32, 32, 32, 32, 0},
   };
   for (const auto& r : routes) {
-    const Frame src = makeFrame(r.from, r.width, r.height);
-    const Frame dst = makeFrame(r.to, r.dstWidth, r.dstHeight);
-    for (int methods = 22; methods <= 55; methods += 33) {  // valid and not
+    const Frame src = wholeFrame(r.from, r.width, r.height);
+    const Frame dst = wholeFrame(r.to, r.dstWidth, r.dstHeight);
+    for (int methods = 22; methods <= 55;
+         methods += 33) {  // valid methods, then invalid ones
       Call call = resizeAndConvert(methods / 10, methods % 10);
       EXPECT_TRUE(compare(call, dst, src, kRandom, 1));
       const int most = memory::state().requests;
@@ -234,13 +225,13 @@ TEST(Pipeline, NoMemory) {
       memory::state().refuse = 0;
     }
   }
-  // A foreign source is refused only after its buffer was to be had.
-  const Frame src = makeFrame(FORMAT_YUV420SP, 32, 16),
-              dst = makeFrame(FORMAT_YUV420SPVU, 8, 8);
+  // The format of the source is checked only after its buffer has been allocated.
+  const Frame src = wholeFrame(FORMAT_YUV420SP, 32, 16),
+              dst = wholeFrame(FORMAT_YUV420SPVU, 8, 8);
   memory::state().refuse = 1;
-  expectCode({"without memory", convertAndResize(2, 2).product,
-              [](ImageStruct*, ImageStruct*) { return RESULT_NO_MEMORY; }},
-             dst, src, RESULT_NO_MEMORY);
+  Call call = convertAndResize(2, 2);
+  call.expected = [](ImageStruct*, ImageStruct*) { return RESULT_NO_MEMORY; };
+  expectCode(call, dst, src, RESULT_NO_MEMORY);
   memory::state().refuse = 0;
 }
 
@@ -256,7 +247,7 @@ class Records {
   }
   Frame frame(uint32_t format) {
     const int w = side(), h = side(), gap = below(3) == 0 ? below(9) : 0;
-    Frame f = makeFrame(format, uint32_t(w), uint32_t(h), uint32_t(gap));
+    Frame f = wholeFrame(format, uint32_t(w), uint32_t(h), uint32_t(gap));
     if (below(3) == 0) return f;
     const int x = below(w + 1), y = below(h + 1);
     const int rw = below(w - x + 1), rh = below(h - y + 1);
@@ -264,10 +255,10 @@ class Records {
     if (rarely()) f.record.roiX = below(140) - 20;
     return f;
   }
-  // Often what the source's region fits into.
+  // A frame that the source's region often fits into.
   Frame beside(uint32_t format, const Frame& src) {
     if (below(3) != 0) return frame(format);
-    Frame f = makeFrame(format, src.record.width, src.record.height);
+    Frame f = wholeFrame(format, src.record.width, src.record.height);
     const ImageStruct& s = src.record;
     f = region(f, s.roiX, s.roiY, s.roiWidth, s.roiHeight);
     if (below(3) == 0) f.record.roiX = f.record.roiY = 0;
@@ -292,9 +283,10 @@ TEST(Pipeline, RandomScaling) {
     Frame src = records.frame(from);
     Frame dst = records.beside(linear ? often[1] : records.format(), src);
     const bool direct = linear && records.below(3) == 0;
-    Call call = (direct ? convertAndResize : resizeAndConvert)(records.method(),
-                                                               records.method());
-    if (direct) {  // nothing is checked there, and the destination's format not read
+    const int luma = records.method(), chroma = records.method();
+    Call call =
+        direct ? convertAndResize(luma, chroma) : resizeAndConvert(luma, chroma);
+    if (direct) {  // which checks nothing and does not read the destination's format
       src.record.data = dst.record.data = &byte;
       if (reference::checkStruct(&src.record) != 0) continue;
       if (reference::checkStruct(&dst.record) != 0) continue;
@@ -315,12 +307,17 @@ TEST(Pipeline, RandomScaling) {
 
 TEST(Pipeline, RandomRotations) {
   Records records(13);
+  const uint32_t turned[] = {FORMAT_YUV420P, FORMAT_YUV420SP, FORMAT_YUV420SPVU,
+                             FORMAT_YUV422SP, FORMAT_YUV422SPVU};
+  const auto format = [&] {
+    return records.rarely() ? records.format() : turned[records.below(5)];
+  };
   for (uint32_t i = 0; i < 4000; ++i) {
-    const Frame src = records.frame(kFormats[records.below(records.rarely() ? 10 : 5)]);
-    Frame dst = records.beside(kFormats[records.below(records.rarely() ? 10 : 5)], src);
+    const Frame src = records.frame(format());
+    Frame dst = records.beside(format(), src);
     const ImageStruct s = src.record;
     if (records.below(2) == 0) {
-      dst = region(makeFrame(dst.record.format, s.height, s.width), s.roiY, s.roiX,
+      dst = region(wholeFrame(dst.record.format, s.height, s.width), s.roiY, s.roiX,
                    s.roiHeight, s.roiWidth);
     }
     const int rotations[] = {0, 1, 2, 4, 3};

@@ -8,28 +8,18 @@
 namespace harness {
 namespace {
 
-// Where everything is slow, ZELM_TEST_STEP=n tries each n-th case only.
+// For slow machines: with ZELM_TEST_STEP=n only every n-th case is tried.
 size_t caseStep() {
   const char* text = getenv("ZELM_TEST_STEP");
   const int step = text != nullptr ? atoi(text) : 1;
   return step > 0 ? static_cast<size_t>(step) : 1;
 }
 
-Call bothOf(const Stage& stage) {
-  const auto call = [](StageFunction function) {
-    return [function](ImageStruct* dst, ImageStruct* src) {
-      function(dst, src);
-      return 0;
-    };
-  };
-  return {stage.name, call(stage.product), call(stage.expected)};
-}
-
 class StageTest : public testing::TestWithParam<Stage> {};
 
 TEST_P(StageTest, EqualsReference) {
   const Stage& stage = GetParam();
-  const Call both = bothOf(stage);
+  const Call both = callOf(stage);
   uint64_t digest = 14695981039346656037u;
   const std::vector<Case> cases = casesOf(stage);
   const size_t step = caseStep();
@@ -42,7 +32,7 @@ TEST_P(StageTest, EqualsReference) {
   }
 }
 
-// Some kernels go another way when a frame is larger than caches are.
+// Some kernels write past the caches when a frame is larger than they are.
 TEST(LargeFrames, EqualReference) {
   const std::string names =
       "convYUV420SP_YUV422SP convYUV420SP_YUV422SP_VU2UV convYUV422IUYVY_YUV420SPVU "
@@ -52,12 +42,12 @@ TEST(LargeFrames, EqualReference) {
   for (const Stage& stage : stages()) {
     if (names.find(std::string(stage.name) + " ") == std::string::npos) continue;
     for (const bool margins : {false, true}) {
-      // Whole vectors in every row and, with margins, none.
+      // With margins no row is a whole number of vectors, without them every row is.
       const Sizes sizes =
           regionsOf(stage.fit, margins ? Size{4090, 1800} : Size{4096, 1796}, {0, 0});
       const Frame dst = makeFrame(stage.dst, stage.fit, sizes.dst, margins, &random);
       const Frame src = makeFrame(stage.src, stage.fit, sizes.src, margins, &random);
-      ASSERT_TRUE(compare(bothOf(stage), dst, src, kRandom, 1));
+      ASSERT_TRUE(compare(callOf(stage), dst, src, kRandom, 1));
       ++tried;
     }
   }

@@ -1,3 +1,4 @@
+// The table of stages, and the regions and frames that each stage is tried with.
 #include "stages.h"
 
 #include <algorithm>
@@ -5,10 +6,42 @@
 namespace harness {
 namespace {
 
-size_t upTo16(size_t n) { return (n + 15) / 16 * 16; }
+using reference::upTo16;
 
-// Sizes of one region: every small width, widths around the powers of two that kernels
-// and strips are made of, every small height, and the same the other way round.
+struct LayoutRule {
+  Layout layout;
+  size_t pixelBytes;    // of plane 0
+  size_t chromaHalves;  // half bytes of chroma for each pixel
+  bool atOffset;        // the record says where the chroma starts
+};
+
+// clang-format off
+constexpr LayoutRule kLayoutRules[] = {
+    // layout                pixelBytes, chromaHalves, atOffset
+    {Layout::kLuma,          1, 0, false},
+    {Layout::kSemi420,       1, 1, true},
+    {Layout::kSemi420Packed, 1, 1, false},
+    {Layout::kSemi422,       1, 2, true},
+    {Layout::kPlanarRead,    1, 1, true},
+    {Layout::kPlanarWritten, 0, 0, false},
+    {Layout::kPacked2,       2, 0, false},
+    {Layout::kPacked3,       3, 0, false},
+    {Layout::kPacked4,       4, 0, false},
+    {Layout::kTiledRead,     1, 1, true},
+    {Layout::kTiledWritten,  1, 1, false},
+    {Layout::kBlock3,        3, 0, false},
+};
+// clang-format on
+
+const LayoutRule& ruleOf(Layout layout) {
+  const LayoutRule* rule = kLayoutRules;
+  while (rule->layout != layout) ++rule;
+  return *rule;
+}
+
+// Sizes of one region: every small width, widths around the powers of two that vectors
+// and strips are long, every small height, and the same with width and height
+// exchanged.
 std::vector<Size> regionSizes(bool odd) {
   std::vector<Size> sizes;
   for (int w = 0; w <= 130; ++w) {
@@ -36,14 +69,14 @@ std::vector<Size> regionSizes(bool odd) {
 }
 
 // Kernels gather a destination vector out of one or more pieces of the source row. How
-// many they need depends on the step, so all steps up to 10 are tried, with more rows
-// and with fewer.
+// many pieces depends on the step, so that all steps up to 10 are tried, while the
+// number of rows grows or shrinks.
 void addGathers(std::vector<Sizes>* sizes) {
   const auto add = [sizes](int dst, int src) {
     sizes->push_back({{dst, 3}, {src, src % 2 == 0 ? 2 : 6}});
   };
   for (int src = 1; src <= 1300; src += src < 300 ? 1 : 3) add(130 + src % 3, src);
-  // Rows about as long as a piece, or shorter, made 20 times as large.
+  // Rows of at most about a piece, enlarged 20 times.
   for (int bytes : {14, 15, 16, 17, 18, 62, 63, 64, 65, 66}) {
     for (int sample : {1, 2, 3}) {
       const int src = (bytes + sample - 1) / sample;
@@ -51,8 +84,7 @@ void addGathers(std::vector<Sizes>* sizes) {
       add(64 + src, src);
     }
   }
-  // The last strip of bytes and its last vector, of all lengths around those of
-  // vectors.
+  // A last strip whose length is about that of one or more vectors.
   const double steps[] = {0.05, 0.7, 1.5, 2.7, 3.9, 6.1, 8.3, 12};
   size_t next = 0;
   for (int strip : {1024, 2048}) {
@@ -172,13 +204,7 @@ Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* rando
   r.roiWidth = static_cast<uint16_t>(region.w);
   r.roiHeight = static_cast<uint16_t>(region.h);
 
-  struct {
-    size_t lumaBytes, chromaHalves;
-    bool atOffset;
-  } const rules[] = {{1, 0, false}, {1, 1, true},  {1, 1, false}, {1, 2, true},
-                     {1, 1, true},  {0, 0, false}, {2, 0, false}, {3, 0, false},
-                     {4, 0, false}, {1, 1, true},  {1, 1, false}, {3, 0, false}};
-  const auto& rule = rules[static_cast<int>(layout)];
+  const LayoutRule& rule = ruleOf(layout);
   size_t w = r.width, h = r.height;
   if (layout == Layout::kTiledRead || layout == Layout::kTiledWritten) {
     w = upTo16(w), h = upTo16(h);
@@ -189,8 +215,8 @@ Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* rando
     r.roiX = r.roiY = 0x123456;
   }
   const size_t gap = margins && rule.atOffset ? random->below(20) : 0;
-  frame.stride = std::max<size_t>(1, w * rule.lumaBytes);
-  frame.chroma = w * h * rule.lumaBytes + gap;
+  frame.stride = std::max<size_t>(1, w * rule.pixelBytes);
+  frame.chroma = w * h * rule.pixelBytes + gap;
   frame.bytes = frame.chroma + w * h * rule.chromaHalves / 2;
   if (layout == Layout::kPlanarWritten) {
     frame.stride = w;
@@ -213,7 +239,7 @@ std::vector<Case> casesOf(const Stage& stage) {
   Random random(1);
   uint32_t seed = 0;
   for (const Sizes& sizes : sizesOf(stage.fit)) {
-    // Exact frames with every content in turn, then regions inside larger ones.
+    // Twice a frame that is no larger than its region, then one with margins.
     for (int form = 0; form < 3; ++form) {
       const bool margins = form == 2;
       const Content content =
@@ -226,12 +252,54 @@ std::vector<Case> casesOf(const Stage& stage) {
   return cases;
 }
 
-const std::vector<Stage>& stages() {
-#define STAGE(name, src, dst, fit, digest) \
-  {#name, ::name, reference::name, Layout::src, Layout::dst, Fit::fit, digest},
-  static const std::vector<Stage> table = {
-#include "stages.inc"
+Call callOf(const Stage& stage) {
+  const auto call = [](reference::Stage* function) {
+    return [function](ImageStruct* dst, ImageStruct* src) {
+      function(dst, src);
+      return 0;
+    };
   };
+  Call both;
+  both.name.add("%s", stage.name);
+  both.product = call(stage.product);
+  both.expected = call(stage.expected);
+  return both;
+}
+
+const std::vector<Stage>& stages() {
+// The name of a stage, its function in the library and that of the reference.
+#define STAGE(name) #name, ::name, reference::name
+  // clang-format off
+  static const std::vector<Stage> table = {
+      // stage                              source               destination             sizes                digest
+      {STAGE(convYUV420SP_RGBA8888),        Layout::kSemi420,    Layout::kPacked4,       Fit::kSame,          0xdcae23568c3b59b2},
+      {STAGE(convYUV420SP_RGB565),          Layout::kSemi420,    Layout::kPacked2,       Fit::kSame,          0x95cb348de302070b},
+      {STAGE(convYUV420SP_RGB888),          Layout::kSemi420,    Layout::kPacked3,       Fit::kSame,          0x51cd6f007a764760},
+      {STAGE(convYUV420SP_YUV420SP),        Layout::kSemi420,    Layout::kSemi420,       Fit::kSame,          0xea31e355cf6d8f02},
+      {STAGE(convYUV420SP_VU2UV),           Layout::kSemi420,    Layout::kSemi420,       Fit::kSame,          0xa1dac76ede89f7f0},
+      {STAGE(convYUV420SP_YUV420P),         Layout::kSemi420,    Layout::kPlanarWritten, Fit::kFrame,         0x3f62cf47958ee1f4},
+      {STAGE(convYUV420P_YUV420SP),         Layout::kPlanarRead, Layout::kSemi420,       Fit::kFrame,         0x6532044a8fb7d1c4},
+      {STAGE(convYUV420SP_YUV422SP),        Layout::kSemi420,    Layout::kSemi422,       Fit::kSame,          0x2386e461a399e389},
+      {STAGE(convYUV420SP_YUV422SP_VU2UV),  Layout::kSemi420,    Layout::kSemi422,       Fit::kSame,          0x1c18599049744ff8},
+      {STAGE(convYUV422IUYVY_YUV420SPVU),   Layout::kPacked2,    Layout::kSemi420Packed, Fit::kWholeGroups,   0xe1e2f52fd807205b},
+      {STAGE(convRGB565_YUV420SPVU),        Layout::kPacked2,    Layout::kSemi420Packed, Fit::kDoubledLast,   0xaa2cd11302fe8ce5},
+      {STAGE(convYUV420SPMB_YUV420SPVU),    Layout::kTiledRead,  Layout::kSemi420Packed, Fit::kTiles,         0x14adccd2faacbb4b},
+      {STAGE(convYUV420SPVU_YUV420SPMB),    Layout::kSemi420,    Layout::kTiledWritten,  Fit::kTiles,         0x882a3101b6fb723e},
+      {STAGE(resize_nearest),               Layout::kLuma,       Layout::kLuma,          Fit::kScaledSamples, 0x0e1b88437dad5222},
+      {STAGE(resize_nearestVU),             Layout::kSemi420,    Layout::kSemi420,       Fit::kScaledPairs,   0x179dbe10f74b8a01},
+      {STAGE(resize_linear),                Layout::kLuma,       Layout::kLuma,          Fit::kScaledSamples, 0xf323e2db57bf7340},
+      {STAGE(resize_linearVU),              Layout::kSemi420,    Layout::kSemi420,       Fit::kScaledPairs,   0xd55a47e511430bb4},
+      {STAGE(resize_linear3ch),             Layout::kPacked3,    Layout::kBlock3,        Fit::kScaledSamples, 0xd77cc3a8db9b869d},
+      {STAGE(resize_cubic),                 Layout::kLuma,       Layout::kLuma,          Fit::kScaledSamples, 0xf4f6fa56ad9e20c6},
+      {STAGE(resize_cubicVU),               Layout::kSemi420,    Layout::kSemi420,       Fit::kScaledPairs,   0x71354f71120fc58b},
+      {STAGE(resize_averageOfPixel2_420LP), Layout::kSemi420,    Layout::kSemi420,       Fit::kBox2,          0xf6b8350115f2dc52},
+      {STAGE(resize_averageOfPixel4_420LP), Layout::kSemi420,    Layout::kSemi420,       Fit::kBox4,          0x38328a25f0b24427},
+      {STAGE(rotate0_Y),                    Layout::kLuma,       Layout::kLuma,          Fit::kSameAny,       0x4f6545af8bc5600b},
+      {STAGE(rotate90_Y),                   Layout::kLuma,       Layout::kLuma,          Fit::kTurned,        0xc8d8979a8b86d916},
+      {STAGE(rotate180_Y),                  Layout::kLuma,       Layout::kLuma,          Fit::kSameAny,       0xda78002b5378ec37},
+      {STAGE(rotate270_Y),                  Layout::kLuma,       Layout::kLuma,          Fit::kTurned,        0x229cf78a9faff44b},
+  };
+  // clang-format on
 #undef STAGE
   return table;
 }

@@ -1,4 +1,4 @@
-// The table of all stages and the calls each of them is tried with.
+// The table of all stages and the calls that each of them is tried with.
 #ifndef ZELM_TESTS_STAGES_H
 #define ZELM_TESTS_STAGES_H
 
@@ -8,14 +8,21 @@
 
 namespace harness {
 
-// Semi-planar chroma lies at uvOffset, packed at width * height; a block is the region
-// alone, three bytes per pixel.
-// clang-format off
+// How the bytes of a frame lie in its buffer.
 enum class Layout {
-  kLuma, kSemi420, kSemi420Packed, kSemi422, kPlanarRead, kPlanarWritten, kPacked2,
-  kPacked3, kPacked4, kTiledRead, kTiledWritten, kBlock3
+  kLuma,           // one plane
+  kSemi420,        // chroma pairs of 4:2:0 at uvOffset
+  kSemi420Packed,  // the same, directly behind the luma
+  kSemi422,        // chroma pairs of 4:2:2 at uvOffset
+  kPlanarRead,     // the chroma planes at uvOffset
+  kPlanarWritten,  // rows and planes rounded up to 16 bytes
+  kPacked2,        // two bytes for each pixel
+  kPacked3,        // three bytes for each pixel
+  kPacked4,        // four bytes for each pixel
+  kTiledRead,      // 16 x 16 tiles, chroma at uvOffset
+  kTiledWritten,   // the same, directly behind the luma
+  kBlock3          // the region alone, three bytes for each pixel
 };
-// clang-format on
 
 // How the sizes of the two regions depend on each other.
 enum class Fit {
@@ -34,11 +41,13 @@ enum class Fit {
 
 struct Stage {
   const char* name;
-  StageFunction product, expected;
+  reference::Stage *product, *expected;
   Layout src, dst;
   Fit fit;
   uint64_t digest;  // of all that the library writes in the cases below
 };
+
+Call callOf(const Stage& stage);
 
 inline void PrintTo(const Stage& stage, std::ostream* out) { *out << stage.name; }
 
@@ -49,8 +58,9 @@ struct Sizes {
   Size dst, src;
 };
 
-// Regions that fit together, made of two sizes. The second is the source's for scalers
-// and what the source has too much for box averages.
+// Regions that fit together, made of two sizes. The second one is that of the source
+// for scalers, and for box averages the columns and rows that are left over in the
+// source.
 Sizes regionsOf(Fit fit, Size size, Size other);
 // A frame around a region, with or without margins around it.
 Frame makeFrame(Layout layout, Fit fit, Size region, bool margins, Random* random);

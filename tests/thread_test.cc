@@ -4,6 +4,7 @@
 #include <atomic>
 #include <thread>
 
+#include "harness.h"
 #include "stages.h"
 
 namespace harness {

@@ -1,4 +1,4 @@
-# Runs the program zelm-imageutil end to end.
+# The tests of the program zelm-imageutil, end to end.
 if(TARGET zelm-imageutil)
   find_package(PNG REQUIRED)
   add_executable(tool_test tool_test.cc tool_process.cc)

@@ -1,5 +1,5 @@
-# cmake -DTOOL=... -DPAGE=... -DCOMPLETION=... -P tool_pages.cmake
 # The manual page and the completion know every option and format that --help lists.
+# cmake -DTOOL=... -DPAGE=... -DCOMPLETION=... -P tool_pages.cmake
 file(READ ${PAGE} page)
 file(READ ${COMPLETION} completion)
 string(REPLACE "\\-" "-" page "${page}")

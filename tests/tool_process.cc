@@ -1,3 +1,4 @@
+// Runs the program zelm-imageutil in a folder of its own.
 #include "tool_process.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// The program zelm-imageutil as a process, for tests.
 #ifndef ZELM_TESTS_TOOL_PROCESS_H
 #define ZELM_TESTS_TOOL_PROCESS_H
 
@@ -27,13 +28,13 @@ class ToolTest : public ::testing::Test {
   // The same, expecting success; returns standard output.
   std::string runOk(const Args& args, const std::string& input = "");
   // The same, expecting one line on standard error with `words`, status 2, nothing on
-  // standard output and no file more or less in the folder.
+  // standard output and the same files in the folder as before.
   void expectRefusal(const Args& args, const std::string& words,
                      const std::string& input = "");
   // Starts the program with these descriptors as standard input and output.
   pid_t start(const Args& args, int in, int out);
   static int waitFor(pid_t child);  // the wait status
-  std::string errors() const;       // standard error of the last one
+  std::string errors() const;       // standard error of the last process
 
   std::string path(const std::string& name) const { return folder_ + "/" + name; }
   std::string load(const std::string& name) const;
@@ -45,7 +46,7 @@ class ToolTest : public ::testing::Test {
 
  private:
   std::string folder_;
-  std::string errors_;  // standard error, beside the folder
+  std::string errors_;  // the file for standard error, beside the folder
 };
 
 #endif  // ZELM_TESTS_TOOL_PROCESS_H

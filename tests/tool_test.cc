@@ -1,3 +1,4 @@
+// The program zelm-imageutil, end to end: formats, frames, messages and signals.
 #include <fcntl.h>
 #include <png.h>
 #include <signal.h>
@@ -143,7 +144,7 @@ TEST_F(ToolTest, RowPaddingIsDropped) {
     const std::string expected = runOk(args, packed);
     args.insert(args.end(), {"--stride", std::to_string(c.stride)});
     EXPECT_EQ(runOk(args, padded + padded), expected + expected) << c.format;
-    padded.erase(padded.find_last_not_of('#') + 1);  // as cameras end their buffers
+    padded.erase(padded.find_last_not_of('#') + 1);  // like the buffers of cameras
     EXPECT_EQ(runOk(args, padded), expected) << c.format;
     padded.pop_back();
     expectRefusal(args, "cut short", padded);
@@ -310,8 +311,8 @@ TEST_F(ToolTest, DamagedY4mIsRefused) {
   expectRefusal(args, "cut short", "YUV4MPEG2 W65534 H32768\nFRAME\nabc");
 }
 
-// Whatever a header or a stream claims, no more memory is taken than what arrives
-// needs.
+// Whatever a header or a stream claims, the program takes no more memory than the bytes
+// that arrive need.
 TEST_F(ToolTest, HostileFilesAndStreams) {
   const std::string huge = "YUV4MPEG2 W65534 H65534\nFRAME\n";
   save("huge.y4m", huge + "abc");
@@ -338,7 +339,7 @@ TEST_F(ToolTest, HostileFilesAndStreams) {
   for (const auto& [args, words] : cases) expectRefusal(args, words);
   expectRefusal({"convert", "-", "x.y4m"}, "longer than",
                 "YUV4MPEG2 W8 H4\nFRAME" + std::string(100000, '\0'));
-  // An endless input is read as far as it is asked for.
+  // An endless input is read no further than necessary.
   EXPECT_EQ(runOk({"convert", zeros, "-", "--from", "nv12", "--size", "8x4", "--to",
                    "gray", "--skip", "3", "--frames", "2"}),
             std::string(64, '\0'));

@@ -1,4 +1,4 @@
-// Known values, and the small input spaces whole.
+// Known values, and every value where there are few enough to try them all.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,6 +10,8 @@
 namespace harness {
 namespace {
 
+using reference::Stage;
+
 // A record of any size whose chroma follows the luma.
 ImageStruct plane(int width, int height) {
   ImageStruct r = zelmWholeFrame(FORMAT_YUV420SP, 2, 2, nullptr);
@@ -19,8 +21,7 @@ ImageStruct plane(int width, int height) {
   return r;
 }
 
-Bytes apply(StageFunction stage, ImageStruct dst, ImageStruct src, Bytes in,
-            size_t size) {
+Bytes apply(Stage* stage, ImageStruct dst, ImageStruct src, Bytes in, size_t size) {
   Bytes out(size, 0xEE);
   dst.data = out.data();
   src.data = in.data();
@@ -28,8 +29,8 @@ Bytes apply(StageFunction stage, ImageStruct dst, ImageStruct src, Bytes in,
   return out;
 }
 
-// The library's output, which must be the reference's as well.
-Bytes both(StageFunction product, StageFunction expected, const ImageStruct& dst,
+// The library's output, which must equal that of the reference.
+Bytes both(Stage* product, Stage* expected, const ImageStruct& dst,
            const ImageStruct& src, const Bytes& in, size_t size) {
   Bytes out = apply(product, dst, src, in, size);
   EXPECT_TRUE(out == apply(expected, dst, src, in, size)) << describe(src);
@@ -94,24 +95,35 @@ TEST(Values, CheckStruct) {
 }
 
 TEST(Values, Helpers) {
-  const int clipped[][4] = {{5, 0, 3, 3}, {-1, 0, 3, 0}, {2, 0, 3, 2},
-                            {1, 4, 2, 4}, {5, 4, 2, 2},  {INT32_MIN, -1, 1, -1}};
-  for (const auto& t : clipped) EXPECT_EQ(clipping(t[0], t[1], t[2]), t[3]) << t[0];
+  struct {
+    int value, low, high, clipped;
+  } const clips[] = {
+      {5, 0, 3, 3}, {-1, 0, 3, 0}, {2, 0, 3, 2},
+      {1, 4, 2, 4}, {5, 4, 2, 2},  {INT32_MIN, -1, 1, -1},
+  };
+  for (const auto& t : clips) {
+    EXPECT_EQ(clipping(t.value, t.low, t.high), t.clipped) << t.value;
+  }
   EXPECT_EQ(logn(2, 8), 3.0);
   EXPECT_EQ(logn(10, 1000), std::log(1000.0) / std::log(10.0));
   EXPECT_FALSE(std::isfinite(logn(1, 5)) || std::isfinite(logn(1, 1)));
 
-  const int sizes[][5] = {
+  struct {
+    int srcWidth, srcHeight, dstWidth, dstHeight, rate;
+  } const reductions[] = {
       {1280, 960, 320, 240, 2},  {1920, 1080, 640, 360, 1}, {1920, 1080, 176, 144, 2},
       {1000, 1000, 100, 100, 2}, {4096, 2160, 100, 100, 3}, {600, 400, 24, 24, 2},
       {6, 6, 2, 2, 0},           {640, 480, 400, 300, 0},   {640, 480, 2000, 1500, 0},
       {300, 300, 100, 100, 1},   {560, 560, 80, 80, 2},     {640, 480, 320, 480, 0},
       {65534, 65534, 2, 2, 0},   {32768, 32768, 1, 1, 14},  {640, 480, 0, 2, 0},
-      {640, 480, 2, 0, 0},       {641, 480, 20, 20, 0},     {640, 481, 20, 20, 0}};
-  for (const auto& t : sizes) {
-    ImageStruct src = plane(t[0], t[1]), dst = plane(t[2], t[3]);
-    EXPECT_EQ(getReductionRate(&dst, &src), t[4]) << t[0] << " to " << t[2];
-    EXPECT_EQ(reference::getReductionRate(&dst, &src), t[4]) << t[0] << " to " << t[2];
+      {640, 480, 2, 0, 0},       {641, 480, 20, 20, 0},     {640, 481, 20, 20, 0},
+  };
+  for (const auto& t : reductions) {
+    ImageStruct src = plane(t.srcWidth, t.srcHeight);
+    ImageStruct dst = plane(t.dstWidth, t.dstHeight);
+    for (auto rate : {::getReductionRate, reference::getReductionRate}) {
+      EXPECT_EQ(rate(&dst, &src), t.rate) << t.srcWidth << " to " << t.dstWidth;
+    }
   }
   for (int extent : {32768, 65520, 60480}) {
     for (int to = 1; to <= extent; to += 1 + to / 500) {
@@ -121,16 +133,19 @@ TEST(Values, Helpers) {
     }
   }
 
-  const int turns[][5] = {// mode, rotation, destination size, result for 6 x 4
-                          {1, 0, 6, 4, 0},   {1, 2, 6, 4, 0},   {1, 1, 4, 6, 0},
-                          {1, 4, 4, 6, 0},   {1, 1, 6, 4, -11}, {1, 4, 6, 4, -11},
-                          {1, 0, 4, 6, -11}, {1, 2, 6, 6, -11}, {1, 1, 4, 8, -11},
-                          {1, 4, 5, 6, -11}, {1, 3, 1, 1, -9},  {1, -1, 6, 4, -9},
-                          {1, 5, 6, 4, -9},  {0, 7, 1, 1, -10}, {2, 0, 6, 4, -10}};
+  struct {
+    int mode, rotation, dstWidth, dstHeight, code;  // for a source of 6 x 4
+  } const turns[] = {
+      {1, 0, 6, 4, 0},   {1, 2, 6, 4, 0},   {1, 1, 4, 6, 0},   {1, 4, 4, 6, 0},
+      {1, 1, 6, 4, -11}, {1, 4, 6, 4, -11}, {1, 0, 4, 6, -11}, {1, 2, 6, 6, -11},
+      {1, 1, 4, 8, -11}, {1, 4, 5, 6, -11}, {1, 3, 1, 1, -9},  {1, -1, 6, 4, -9},
+      {1, 5, 6, 4, -9},  {0, 7, 1, 1, -10}, {2, 0, 6, 4, -10},
+  };
   for (const auto& t : turns) {
-    ImageStruct src = plane(6, 4), dst = plane(t[2], t[3]);
+    ImageStruct src = plane(6, 4), dst = plane(t.dstWidth, t.dstHeight);
     for (auto check : {::checkRotateParam, reference::checkRotateParam}) {
-      EXPECT_EQ(check(&src, &dst, t[0], t[1]), t[4]) << t[0] << ", " << t[1];
+      EXPECT_EQ(check(&src, &dst, t.mode, t.rotation), t.code)
+          << t.mode << ", " << t.rotation;
     }
   }
 }
@@ -139,7 +154,7 @@ TEST(Values, ScaledLines) {
 #define SCALER(stage) \
   { ::stage, reference::stage, ::stage##VU, reference::stage##VU }
   struct Scaler {
-    StageFunction luma, lumaExpected, chroma, chromaExpected;
+    Stage *luma, *lumaExpected, *chroma, *chromaExpected;
   } const nearest = SCALER(resize_nearest), linear = SCALER(resize_linear),
           cubic = SCALER(resize_cubic);
   struct {
@@ -182,12 +197,14 @@ TEST(Values, Colours) {
     uint8_t y, u, v;
     Bytes rgb;
     int word;
-  } const colours[] = {{76, 85, 255, {254, 0, 0}, 31},
-                       {29, 255, 107, {0, 0, 254}, 31 << 11},
-                       {128, 0, 0, {0, 255, 0}, 63 << 5},
-                       {128, 255, 255, {255, 0, 255}, 31 | 31 << 11},
-                       {235, 128, 128, {235, 235, 235}, 29 | 58 << 5 | 29 << 11},
-                       {16, 128, 128, {16, 16, 16}, 2 | 4 << 5 | 2 << 11}};
+  } const colours[] = {
+      {76, 85, 255, {254, 0, 0}, 31},
+      {29, 255, 107, {0, 0, 254}, 31 << 11},
+      {128, 0, 0, {0, 255, 0}, 63 << 5},
+      {128, 255, 255, {255, 0, 255}, 31 | 31 << 11},
+      {235, 128, 128, {235, 235, 235}, 29 | 58 << 5 | 29 << 11},
+      {16, 128, 128, {16, 16, 16}, 2 | 4 << 5 | 2 << 11},
+  };
   for (const auto& t : colours) {
     for (uint32_t format : {2u, 4u, 0u}) {
       ImageStruct src = plane(8, 8);
@@ -203,17 +220,21 @@ TEST(Values, Colours) {
                 joined({}, word, 64));
     }
   }
-  const uint8_t packed[][6] = {
+  struct {
+    int r5, g6, b5;
+    uint8_t y, v, u;
+  } const words[] = {
       {31, 63, 31, 255, 128, 128}, {0, 0, 0, 0, 128, 128},
       {31, 0, 0, 76, 255, 85},     {0, 63, 0, 149, 22, 44},
-      {0, 0, 31, 29, 108, 255},    {16, 32, 16, 130, 128, 128}};
-  for (const auto& t : packed) {
+      {0, 0, 31, 29, 108, 255},    {16, 32, 16, 130, 128, 128},
+  };
+  for (const auto& t : words) {
     // Only the upper left pixel reaches the chroma; the others are blue here.
-    const int word = t[0] << 11 | t[1] << 5 | t[2];
+    const int word = t.r5 << 11 | t.g6 << 5 | t.b5;
     const Bytes first{static_cast<uint8_t>(word), static_cast<uint8_t>(word >> 8)};
     EXPECT_EQ(BOTH(convRGB565_YUV420SPVU, plane(2, 2), plane(2, 2),
                    joined(first, {31, 0}, 3), 6),
-              Bytes({t[3], 29, 29, 29, t[4], t[5]}));
+              Bytes({t.y, 29, 29, 29, t.v, t.u}));
   }
 }
 
@@ -240,48 +261,59 @@ TEST(Values, Layouts) {
             joined(luma, {0xA9, 0xEA, 0xC8, 0x78, 0xE7, 0x07, 0xB4, 0x2E, 0x82, 0x56,
                           0x98, 0x96, 0xAF, 0xD7, 0xAF, 0xD7}));
 
-  // Where the planar planes start and end.
-  const uint32_t planar[][5] = {{32, 4, 128, 160, 192},
-                                {40, 6, 288, 384, 480},
-                                {100, 4, 448, 576, 704},
-                                {176, 2, 352, 448, 544}};
+  // Where the planes of a planar frame start and end.
+  struct {
+    uint32_t width, height, first, second, size;
+  } const planar[] = {
+      {32, 4, 128, 160, 192},
+      {40, 6, 288, 384, 480},
+      {100, 4, 448, 576, 704},
+      {176, 2, 352, 448, 544},
+  };
   for (const auto& t : planar) {
-    const ImageStruct r = zelmWholeFrame(FORMAT_YUV420SPVU, t[0], t[1], nullptr);
+    const ImageStruct r = zelmWholeFrame(FORMAT_YUV420SPVU, t.width, t.height, nullptr);
     const Bytes frame =
         joined(Bytes(r.uvOffset, 1), {2, 3}, static_cast<int>(r.uvOffset / 4));
-    const Bytes out = BOTH(convYUV420SP_YUV420P, r, r, frame, t[4]);
-    EXPECT_TRUE(out[r.uvOffset - 1] == 1 && out[t[2]] == 2 && out[t[3]] == 3) << t[0];
-    EXPECT_EQ(zelmFrameLayout(FORMAT_YUV420P, t[0], t[1]).size, t[4]);
+    const Bytes out = BOTH(convYUV420SP_YUV420P, r, r, frame, t.size);
+    EXPECT_TRUE(out[r.uvOffset - 1] == 1 && out[t.first] == 2 && out[t.second] == 3)
+        << t.width;
+    EXPECT_EQ(zelmFrameLayout(FORMAT_YUV420P, t.width, t.height).size, t.size);
   }
 
   // Single samples and the bytes of the tiles they go to.
-  const size_t marks[][3] = {
-      {0, 0, 0}, {8, 0, 128}, {0, 1, 8}, {16, 0, 256}, {39, 23, 1343}};
+  struct {
+    size_t x, y, tiled;
+  } const marks[] = {{0, 0, 0}, {8, 0, 128}, {0, 1, 8}, {16, 0, 256}, {39, 23, 1343}};
   ImageStruct tiled = plane(40, 24);
   tiled.uvOffset = 1536;
   for (const auto& m : marks) {
     Bytes frame(40 * 24 * 3 / 2);
-    frame[m[1] * 40 + m[0]] = 9;
+    frame[m.y * 40 + m.x] = 9;
     frame[960] = 200, frame[961] = 50;
     const Bytes tiles =
         BOTH(convYUV420SPVU_YUV420SPMB, plane(40, 24), plane(40, 24), frame, 2304);
-    EXPECT_TRUE(tiles[m[2]] == 9 && tiles[1536] == 50 && tiles[1537] == 200) << m[2];
+    EXPECT_TRUE(tiles[m.tiled] == 9 && tiles[1536] == 50 && tiles[1537] == 200)
+        << m.tiled;
     EXPECT_EQ(BOTH(convYUV420SPMB_YUV420SPVU, plane(40, 24), tiled, tiles, 1440),
               frame);
   }
 }
 
 TEST(Values, FrameSizes) {
-  const uint32_t table[][5] = {
+  struct {
+    uint32_t format, width, height, size, uvOffset;
+  } const table[] = {
       {FORMAT_YUV420SPVU, 6, 4, 36, 24}, {FORMAT_YUV422SP, 6, 4, 48, 24},
       {FORMAT_YUV422SPVU, 6, 4, 48, 24}, {FORMAT_YUV422IUYVY, 6, 4, 48, 0},
       {FORMAT_RGB565, 6, 4, 48, 0},      {FORMAT_RGB888, 6, 4, 72, 0},
       {FORMAT_RGBA8888, 6, 4, 96, 0},    {FORMAT_YUV420SPMB, 40, 24, 2304, 1536},
       {FORMAT_YUV420SP, 3, 2, 0, 0},     {FORMAT_YUV420SP, 2, 0, 0, 0},
-      {FORMAT_YUV420SP, 2, 65536, 0, 0}, {FORMAT_RGB888 | FORMAT_RGB565, 2, 2, 0, 0}};
+      {FORMAT_YUV420SP, 2, 65536, 0, 0}, {FORMAT_RGB888 | FORMAT_RGB565, 2, 2, 0, 0},
+  };
   for (const auto& t : table) {
-    const ZelmFrameLayout layout = zelmFrameLayout(t[0], t[1], t[2]);
-    EXPECT_TRUE(layout.size == t[3] && layout.uvOffset == t[4]) << t[0] << ", " << t[1];
+    const ZelmFrameLayout layout = zelmFrameLayout(t.format, t.width, t.height);
+    EXPECT_TRUE(layout.size == t.size && layout.uvOffset == t.uvOffset)
+        << t.format << ", " << t.width;
   }
   EXPECT_EQ(zelmFrameLayout(FORMAT_RGBA8888, 65534, 65534).size,
             sizeof(size_t) == 8 ? static_cast<size_t>(17178820624) : 0);
@@ -342,8 +374,8 @@ TEST(Whole, EveryPairOfChromaSums) {
   }
 }
 
-// The same with every luma. The reference would take minutes, so the rule stands here
-// once more, for the right pixels of that frame.
+// The same with every luma. As the reference would take minutes, the rule is written
+// here once more, for the right pixels of that frame only.
 TEST(Whole, EveryLumaWithEveryPairOfChromaSums) {
   const size_t pairs = 1022, rows = 513, width = 2 * pairs;
   const auto clamp = [](int value) { return std::min(255, std::max(0, value)); };
@@ -404,7 +436,7 @@ TEST(Whole, EveryPackedWord) {
   BOTH(convRGB565_YUV420SPVU, plane(512, 512), plane(512, 512), in, 512 * 768);
 }
 
-// Rows become columns.
+// Exchanges rows and columns.
 Bytes transposed(const Bytes& in, size_t columns) {
   const size_t rows = in.size() / columns;
   Bytes out(in.size());

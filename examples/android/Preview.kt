@@ -1,18 +1,22 @@
 package org.example.preview
 
 import android.graphics.Bitmap
+import android.media.Image
 import java.nio.ByteBuffer
 
-/** Makes bitmaps for the screen of camera frames in NV21, in memory outside the heap. */
-class Preview(private val width: Int, private val height: Int) {
-    val camera: ByteBuffer = ByteBuffer.allocateDirect(width * height * 3 / 2)
-
+/** Makes bitmaps for the screen of camera images in YUV_420_888, which are not copied. */
+class Preview {
     private val bitmap = Bitmap.createBitmap(640, 360, Bitmap.Config.ARGB_8888)
     private val screen = ByteBuffer.allocateDirect(640 * 360 * 4)
 
-    /** The frame that lies in [camera], scaled. ARGB_8888 is R, G, B, A in memory. */
-    fun show(): Bitmap {
-        val result = scale(camera, width, height, screen, bitmap.width, bitmap.height)
+    /** The [image], scaled. ARGB_8888 is R, G, B, A in memory. */
+    fun show(image: Image): Bitmap {
+        val (luma, u, v) = image.planes
+        val result = scale(
+            image.width, image.height, luma.buffer, u.buffer, v.buffer,
+            luma.rowStride, u.rowStride, u.pixelStride,
+            screen, bitmap.width, bitmap.height,
+        )
         check(result == 0) { "zelm_imageutil: $result" }
         screen.rewind()
         bitmap.copyPixelsFromBuffer(screen)
@@ -26,7 +30,8 @@ class Preview(private val width: Int, private val height: Int) {
 
         @JvmStatic
         private external fun scale(
-            camera: ByteBuffer, width: Int, height: Int,
+            width: Int, height: Int, luma: ByteBuffer, u: ByteBuffer, v: ByteBuffer,
+            rowStride: Int, chromaStride: Int, pixelStride: Int,
             screen: ByteBuffer, screenWidth: Int, screenHeight: Int,
         ): Int
     }

@@ -10,43 +10,25 @@
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+#if ZELM_NEON
+#include "convert/chroma_422_neon-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS && !ZELM_NEON
-// The instruction rounds up, so the complements are averaged.
+// The instruction for a mean rounds up, so the complements are averaged.
 HWY_INLINE Vec<U8> meanRoundedDown(Vec<U8> a, Vec<U8> b) {
   return hn::Not(hn::AverageRound(hn::Not(a), hn::Not(b)));
 }
-#endif
 
-// Pairs keep their order, or are exchanged.
 template <bool kSwap, bool kStream>
-HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
-                          const uint8_t* next, size_t bytes) {
-  size_t done = 0;
-#if ZELM_NEON
-  done = inMovingBlocks(
-      bytes, 64,
-      [&]() HWY_ATTR {
-        for (int k = 0; k < 2; ++k) {
-          uint8x16x2_t a = take32(row), b = take32(next);
-          for (int j = 0; j < 2; ++j) {
-            if (kSwap) {
-              a.val[j] = vrev16q_u8(a.val[j]);
-              b.val[j] = vrev16q_u8(b.val[j]);
-            }
-            b.val[j] = vhaddq_u8(a.val[j], b.val[j]);
-          }
-          put32(even, a);
-          put32(odd, b);
-        }
-      },
-      [&](size_t n) HWY_ATTR { row -= n, next -= n, even -= n, odd -= n; });
-#elif ZELM_VECTORS
-  done = inBlocks(bytes, kBytes, [&](size_t i) HWY_ATTR {
+HWY_INLINE size_t expandBlocks(uint8_t* even, uint8_t* odd, const uint8_t* row,
+                               const uint8_t* next, size_t bytes) {
+  return inBlocks(bytes, kBytes, [&](size_t i) HWY_ATTR {
     Vec<U8> a = load(row + i), b = load(next + i);
     if (kSwap) {
       a = swapPairs(a);
@@ -55,6 +37,16 @@ HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
     store<kStream>(a, even + i);
     store<kStream>(meanRoundedDown(a, b), odd + i);
   });
+}
+#endif
+
+// Pairs keep their order, or their bytes are exchanged.
+template <bool kSwap, bool kStream>
+HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
+                          const uint8_t* next, size_t bytes) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = expandBlocks<kSwap, kStream>(even, odd, row, next, bytes);
 #endif
   for (size_t i = done; i < bytes; ++i) {
     const size_t p = kSwap ? i ^ 1 : i;

@@ -10,31 +10,33 @@
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+#if ZELM_NEON
+#include "convert/planar_to_semi_planar_neon-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
+#if ZELM_VECTORS && !ZELM_NEON
 template <bool kStream>
-HWY_INLINE void joinPairs(uint8_t* to, const uint8_t* first, const uint8_t* second,
-                          size_t pairs) {
-  size_t done = 0;
-#if ZELM_NEON
-  done = inMovingBlocks(
-      pairs, 64,
-      [&]() HWY_ATTR {
-        for (int k = 0; k < 4; ++k) {
-          const uint8x16_t a = take16(first), b = take16(second);
-          putPairs(to, {{a, b}});
-        }
-      },
-      [&](size_t n) HWY_ATTR { first -= n, second -= n, to -= 2 * n; });
-#elif ZELM_VECTORS
-  done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
+HWY_INLINE size_t joinPairsInBlocks(uint8_t* to, const uint8_t* first,
+                                    const uint8_t* second, size_t pairs) {
+  return inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
     const Vec<U8> a = splitBlocks(load(first + j)), b = splitBlocks(load(second + j));
     store<kStream>(hn::InterleaveLower(u8, a, b), to + 2 * j);
     store<kStream>(hn::InterleaveUpper(u8, a, b), to + 2 * j + kBytes);
   });
+}
+#endif
+
+template <bool kStream>
+HWY_INLINE void joinPairs(uint8_t* to, const uint8_t* first, const uint8_t* second,
+                          size_t pairs) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = joinPairsInBlocks<kStream>(to, first, second, pairs);
 #endif
   for (size_t j = done; j < pairs; ++j) {
     to[2 * j] = first[j];

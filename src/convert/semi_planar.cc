@@ -3,37 +3,45 @@
 #define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
 #include "simd/each_target.h"  // before all others
 
-#include "convert/semi_planar.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+#if ZELM_NEON
+#include "convert/semi_planar_neon-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
-  size_t done = 0;
-#if ZELM_NEON
-  done = inMovingBlocks(
-      bytes, 128,
-      [&]() HWY_ATTR {
-        for (int k = 0; k < 4; ++k) {
-          uint8x16x2_t v = take32(from);
-          for (uint8x16_t& pairs : v.val) pairs = vrev16q_u8(pairs);
-          put32(to, v);
-        }
-      },
-      [&](size_t n) HWY_ATTR { from -= n, to -= n; });
-#elif ZELM_VECTORS
-  done = inBlocks(bytes, 2 * kBytes, [&](size_t i) HWY_ATTR {
+#if ZELM_VECTORS && !ZELM_NEON
+HWY_INLINE size_t swapPairsInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
+  return inBlocks(bytes, 2 * kBytes, [&](size_t i) HWY_ATTR {
     const Vec<U8> a = swapPairs(load(from + i)), b = swapPairs(load(from + i + kBytes));
     store(a, to + i);
     store(b, to + i + kBytes);
   });
+}
+
+template <bool kStream>
+HWY_INLINE size_t splitPairsInBlocks(uint8_t* first, uint8_t* second,
+                                     const uint8_t* from, size_t pairs) {
+  return inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
+    const SplitPairs split = loadPairs(from + 2 * j);
+    store<kStream>(split.first, first + j);
+    store<kStream>(split.second, second + j);
+  });
+}
+#endif
+
+void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = swapPairsInBlocks(to, from, bytes);
 #endif
   for (size_t i = done; i < bytes; i += 2) {
     to[i] = from[i + 1];
@@ -41,40 +49,12 @@ void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   }
 }
 
-// In place no block may be moved back: it would exchange bytes twice.
-void exchangePairsRow(uint8_t* row, size_t bytes) {
-  size_t i = 0;
-#if ZELM_VECTORS
-  for (; i + kBytes <= bytes; i += kBytes) store(swapPairs(load(row + i)), row + i);
-#endif
-  for (; i < bytes; i += 2) {
-    const uint8_t first = row[i];
-    row[i] = row[i + 1];
-    row[i + 1] = first;
-  }
-}
-
 template <bool kStream>
 HWY_INLINE void splitPairs(uint8_t* first, uint8_t* second, const uint8_t* from,
                            size_t pairs) {
   size_t done = 0;
-#if ZELM_NEON
-  done = inMovingBlocks(
-      pairs, 64,
-      [&]() HWY_ATTR {
-        for (int k = 0; k < 4; ++k) {
-          const uint8x16x2_t split = takePairs(from);
-          put16(first, split.val[0]);
-          put16(second, split.val[1]);
-        }
-      },
-      [&](size_t n) HWY_ATTR { from -= 2 * n, first -= n, second -= n; });
-#elif ZELM_VECTORS
-  done = inBlocks(pairs, kBytes, [&](size_t j) HWY_ATTR {
-    const SplitPairs split = loadPairs(from + 2 * j);
-    store<kStream>(split.first, first + j);
-    store<kStream>(split.second, second + j);
-  });
+#if ZELM_VECTORS
+  done = splitPairsInBlocks<kStream>(first, second, from, pairs);
 #endif
   for (size_t j = done; j < pairs; ++j) {
     first[j] = from[2 * j];
@@ -102,17 +82,6 @@ void swapPlane(const Region& to, const Region& from) {
   const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
   for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
 }
-
-}  // namespace
-
-void exchangeChroma(const ImageStruct& frame) {
-  const auto exchangeRow = ZELM_KERNEL(exchangePairsRow);
-  const Region chroma = chromaRegion(frame);
-  const RowSpan span = joinRows(chroma, chroma, chroma.rows, 2 * chroma.columns);
-  for (size_t k = 0; k < span.rows; ++k) exchangeRow(chroma.row(k), span.bytes);
-}
-
-namespace {
 
 // Whole frames. The chroma rows of the planar side are padded to multiples of 16
 // bytes, the luma rows are not; the planes lie where padded luma rows would end.

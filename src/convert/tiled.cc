@@ -8,10 +8,13 @@
 #include "simd/each_target.h"  // before all others
 
 #include "plane.h"
-#include "simd/copy.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
+
+#if ZELM_ARMV7
+#include "convert/tiled_armv7-inl.h"
+#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
@@ -38,24 +41,7 @@ HWY_INLINE void movePart(uint8_t* linear, size_t stride, uint8_t* tile,
   }
 }
 
-#if ZELM_VECTORS && HWY_ARCH_ARM_V7
-// The halves of a register are those of a row, each read or written by itself.
-template <bool kToTiled, bool kSwap, size_t kRows>
-HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
-  uint8_t *left = tile, *right = tile + 8 * kRows;
-  const uint8_t *fromLinear = linear, *fromLeft = left, *fromRight = right;
-  for (size_t y = 0; y < kRows; ++y) {
-    uint8x16_t row =
-        kToTiled ? take16(fromLinear, stride) : takeHalves(fromLeft, fromRight);
-    if (kSwap) row = swapPairs(Vec<U8>{row}).raw;
-    if (kToTiled) {
-      putHalves(left, right, row);
-    } else {
-      put16(linear, stride, row);
-    }
-  }
-}
-#elif ZELM_VECTORS
+#if ZELM_VECTORS && !ZELM_ARMV7
 // Two rows of 16 bytes are, halves exchanged, two rows of each half.
 template <bool kToTiled, bool kSwap, size_t kRows>
 HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {

@@ -1,6 +1,6 @@
 // UYVY, RGB565 and tiled sources: converted to V-then-U semi-planar first, scaled
 // second. Nothing is validated here.
-#include "frame.h"
+#include "pipeline/frame.h"
 #include "pipeline/methods.h"
 #include "plane.h"
 #include "zelm_imageutil.h"

@@ -1,4 +1,4 @@
-// Validation of a record, and the clamp that callers may use.
+// Validation of a record.
 #include "zelm_imageutil.h"
 
 namespace {
@@ -39,9 +39,4 @@ extern "C" int checkStruct(ImageStruct* img) {
   if (img->roiY + img->roiHeight > img->height) return RESULT_BAD_ROI;
 
   return knownFormat(img->format) ? RESULT_OK : RESULT_BAD_FORMAT;
-}
-
-extern "C" int clipping(int value, int low, int high) {
-  if (value < low) return low;
-  return value > high ? high : value;
 }

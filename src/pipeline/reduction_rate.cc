@@ -1,6 +1,4 @@
 // How often a source may be halved by box averages before it is scaled.
-#include <cmath>
-
 #include "zelm_imageutil.h"
 
 extern "C" int getReductionRate(ImageStruct* dst, ImageStruct* src) {
@@ -18,8 +16,4 @@ extern "C" int getReductionRate(ImageStruct* dst, ImageStruct* src) {
   // A 4:2:0 frame needs even sides, so the reduced sides must stay even.
   while (n > 0 && (((width >> n) | (height >> n)) & 1) != 0) --n;
   return n;
-}
-
-extern "C" double logn(int base, int x) {
-  return std::log(static_cast<double>(x)) / std::log(static_cast<double>(base));
 }

@@ -1,6 +1,6 @@
 // The main pipeline: scales a region and converts it.
-#include "convert/semi_planar.h"
-#include "frame.h"
+#include "convert/exchange_chroma.h"
+#include "pipeline/frame.h"
 #include "pipeline/methods.h"
 #include "plane.h"
 #include "zelm_imageutil.h"
@@ -130,7 +130,7 @@ int scaleAlike(Call& call, int halvings) {
   return zelm::scaleFrame(&call.dst, &working, call.lumaMethod, call.chromaMethod);
 }
 
-// The formats differ in the order of chroma bytes only, which is mended in place.
+// The formats differ in the order of chroma bytes only, which is put right in place.
 int scaleExchanged(Call& call, int halvings) {
   if (const int code = zelm::checkMethods(call.lumaMethod, call.chromaMethod)) {
     return code;

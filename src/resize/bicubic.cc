@@ -250,7 +250,7 @@ void scaleChroma(const Region& to, const Region& from) {
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-#include "simd/again_with_vbmi.h"
+#include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 extern "C" void resize_cubic(ImageStruct* dst, ImageStruct* src) {

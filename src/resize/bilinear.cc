@@ -352,7 +352,7 @@ void scale3Channels(const Region& to, const Region& from) { scaleSamples<3>(to, 
 }  // namespace zelm
 HWY_AFTER_NAMESPACE();
 
-#include "simd/again_with_vbmi.h"
+#include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 extern "C" void resize_linear(ImageStruct* dst, ImageStruct* src) {

@@ -10,6 +10,10 @@
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+#if ZELM_ARMV7
+#include "rotate/quarter_turn_armv7-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
@@ -27,41 +31,7 @@ HWY_INLINE void transposePart(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
   }
 }
 
-#if ZELM_VECTORS && HWY_ARCH_ARM_V7
-// Every second lane of a changes places with the lane before it of b.
-template <class Lanes, class Transpose>
-HWY_INLINE void transposePairs(Transpose transpose, uint8x16_t& a, uint8x16_t& b) {
-  const auto both = transpose(reinterpret_cast<Lanes>(a), reinterpret_cast<Lanes>(b));
-  a = reinterpret_cast<uint8x16_t>(both.val[0]);
-  b = reinterpret_cast<uint8x16_t>(both.val[1]);
-}
-
-// 16 rows of 8 samples: as many as fit in the registers.
-constexpr size_t kTileColumns = 8;
-
-HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
-                              ptrdiff_t fromStride) {
-  uint8x16_t v[8];
-  for (uint8x16_t& row : v) {
-    row = vld1q_u8(from);
-    from += fromStride;
-  }
-  // Blocks of 2 x 2 are transposed, then blocks of 2 x 2 of those, then of these.
-  transposePairs<uint8x16_t>(vtrnq_u8, v[0], v[1]);
-  transposePairs<uint8x16_t>(vtrnq_u8, v[2], v[3]);
-  transposePairs<uint8x16_t>(vtrnq_u8, v[4], v[5]);
-  transposePairs<uint8x16_t>(vtrnq_u8, v[6], v[7]);
-  transposePairs<uint16x8_t>(vtrnq_u16, v[0], v[2]);
-  transposePairs<uint16x8_t>(vtrnq_u16, v[1], v[3]);
-  transposePairs<uint16x8_t>(vtrnq_u16, v[4], v[6]);
-  transposePairs<uint16x8_t>(vtrnq_u16, v[5], v[7]);
-  for (int i = 0; i < 4; ++i) transposePairs<uint32x4_t>(vtrnq_u32, v[i], v[i + 4]);
-  for (int i = 0; i < 16; ++i) {
-    vst1_u8(to, i < 8 ? vget_low_u8(v[i]) : vget_high_u8(v[i - 8]));
-    to += toStride;
-  }
-}
-#elif ZELM_VECTORS
+#if ZELM_VECTORS && !ZELM_ARMV7
 constexpr size_t kTileColumns = kBytes;
 
 // Interleaving rows i and i + 8 four times transposes 16 x 16 bytes.

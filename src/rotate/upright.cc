@@ -8,45 +8,14 @@
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
+#if ZELM_NEON
+#include "rotate/upright_neon-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
-
-#if ZELM_NEON
-// Both addresses move on, `from` downwards.
-HWY_INLINE void reverse64(uint8_t*& to, const uint8_t*& from) {
-#if HWY_ARCH_ARM_V7
-  // Eight bytes are reversed and put in their place by one instruction.
-  asm volatile(
-      "vld1.8 {d16-d19}, [%1]!\n\t"
-      "vld1.8 {d20-d23}, [%1]\n\t"
-      "vrev64.8 d31, d16\n\t"
-      "vrev64.8 d30, d17\n\t"
-      "vrev64.8 d29, d18\n\t"
-      "vrev64.8 d28, d19\n\t"
-      "vrev64.8 d27, d20\n\t"
-      "vrev64.8 d26, d21\n\t"
-      "vrev64.8 d25, d22\n\t"
-      "vrev64.8 d24, d23\n\t"
-      "vst1.8 {d24-d27}, [%0]!\n\t"
-      "vst1.8 {d28-d31}, [%0]!"
-      : "+r"(to), "+r"(from)
-      :
-      : "memory", "q8", "q9", "q10", "q11", "q12", "q13", "q14", "q15");
-  from -= 96;
-#else
-  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                         7,  6,  5,  4,  3,  2,  1, 0};
-  const uint8x16_t backwards = vld1q_u8(kBackwards);
-  uint8x16_t v[4];
-  for (int i = 0; i < 4; ++i) v[i] = vqtbl1q_u8(vld1q_u8(from + 16 * i), backwards);
-  for (int i = 0; i < 4; ++i) vst1q_u8(to + 16 * i, v[3 - i]);
-  to += 64;
-  from -= 64;
-#endif
-}
-#endif
 
 #if ZELM_VECTORS && !ZELM_NEON
 template <class D>
@@ -66,23 +35,20 @@ HWY_INLINE size_t reverseBlocks(D d, uint8_t* to, const uint8_t* from, size_t by
   });
   return done > 0 ? done : inBlocks(bytes, kBlock, reverse);
 }
+
+HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
+  // Wider blocks, read downwards, are slower until the caches near by are outgrown.
+  if (bytes >= size_t{3} << 20) {
+    return reverseBlocks(hn::CappedTag<uint8_t, 32>(), to, from, bytes);
+  }
+  return reverseBlocks(hn::Full128<uint8_t>(), to, from, bytes);
+}
 #endif
 
 void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   size_t done = 0;
-#if ZELM_NEON
-  const uint8_t* in = from + bytes - 64;
-  uint8_t* out = to;
-  done = inMovingBlocks(
-      bytes, 64, [&]() HWY_ATTR { reverse64(out, in); },
-      [&](size_t n) HWY_ATTR { out -= n, in += n; });
-#elif ZELM_VECTORS
-  // Wider blocks, read downwards, are slower until the caches near by are outgrown.
-  if (bytes >= size_t{3} << 20) {
-    done = reverseBlocks(hn::CappedTag<uint8_t, 32>(), to, from, bytes);
-  } else {
-    done = reverseBlocks(hn::Full128<uint8_t>(), to, from, bytes);
-  }
+#if ZELM_VECTORS
+  done = reverseInBlocks(to, from, bytes);
 #endif
   for (size_t x = done; x < bytes; ++x) to[x] = from[bytes - 1 - x];
 }

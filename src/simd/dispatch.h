@@ -44,7 +44,7 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
 #else
 #define ZELM_AVX512(name) HWY_NAMESPACE::name
 #endif
-// Redefined by simd/again_with_vbmi.h.
+// Redefined by simd/vbmi_pass.h.
 #define ZELM_WITH_VBMI(name) ZELM_AVX512(name)
 #define ZELM_KERNEL(name)                                           \
   pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), \

@@ -1,6 +1,6 @@
 // An intermediate 4:2:0 frame of a pipeline. It frees itself on every return.
-#ifndef ZELM_SRC_FRAME_H_
-#define ZELM_SRC_FRAME_H_
+#ifndef ZELM_SRC_PIPELINE_FRAME_H_
+#define ZELM_SRC_PIPELINE_FRAME_H_
 
 #include <cstdint>
 #include <cstdlib>
@@ -42,4 +42,4 @@ class Frame {
 
 }  // namespace zelm
 
-#endif  // ZELM_SRC_FRAME_H_
+#endif  // ZELM_SRC_PIPELINE_FRAME_H_

@@ -1,6 +1,6 @@
 // Exchanges the bytes of the chroma pairs in the frame's region, in place.
-#ifndef ZELM_SRC_CONVERT_SEMI_PLANAR_H_
-#define ZELM_SRC_CONVERT_SEMI_PLANAR_H_
+#ifndef ZELM_SRC_CONVERT_EXCHANGE_CHROMA_H_
+#define ZELM_SRC_CONVERT_EXCHANGE_CHROMA_H_
 
 #include "zelm_imageutil.h"
 
@@ -10,4 +10,4 @@ void exchangeChroma(const ImageStruct& frame);
 
 }  // namespace zelm
 
-#endif  // ZELM_SRC_CONVERT_SEMI_PLANAR_H_
+#endif  // ZELM_SRC_CONVERT_EXCHANGE_CHROMA_H_

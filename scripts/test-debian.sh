@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# Runs the two commands of the README in a fresh clone of what is committed, on a bare
+# Debian of its own: a chroot with g++, make and git, where the scripts install the rest.
+#   scripts/test-debian.sh [12|13] [demo|test]...    by default 13, demo and test
+# As root; the chroot is made anew in build-debian13/ (or 12) each time.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+
+release=${1:-13}
+commands=("${@:2}")
+[ ${#commands[@]} -gt 0 ] || commands=(demo test)
+case $release in
+  12) suite=bookworm ;;
+  13) suite=trixie ;;
+  *) echo "$0: no Debian '$release'; known are 12 and 13" >&2; exit 2 ;;
+esac
+if [ "$(id -u)" -ne 0 ]; then
+  echo "$0: needs root, for a chroot" >&2
+  exit 1
+fi
+# shellcheck disable=SC2086  # a list of words
+require_packages $chroot_packages
+
+folder=$PWD/build-debian$release
+root=$folder/root
+rm -rf "$folder"
+mkdir -p "$folder"
+
+# The mirror that this machine installs from.
+mirror=$(sed -n 's/^URIs: //p; s/^deb [^h]*\(http[^ ]*\) .*/\1/p' \
+  /etc/apt/sources.list.d/*.sources /etc/apt/sources.list 2>/dev/null | head -n 1) || true
+mmdebstrap --quiet --variant=minbase --include=g++,make,git,ca-certificates \
+  "$suite" "$root" ${mirror:+"$mirror"}
+cp -r /etc/apt/apt.conf.d/. "$root/etc/apt/apt.conf.d/"
+cp -L /etc/resolv.conf "$root/etc/resolv.conf"
+git clone --quiet . "$root/zelm_imageutil"
+
+# Mounts of a namespace of its own vanish with it, however this ends.
+inside() {
+  # shellcheck disable=SC2016  # expanded inside
+  unshare --mount --fork bash -c '
+    mount --bind /proc "$0/proc" && mount --bind /dev "$0/dev" &&
+      exec chroot "$0" /usr/bin/env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin \
+        bash -c "cd /zelm_imageutil && $1"' "$root" "$1"
+}
+
+for command in "${commands[@]}"; do
+  echo "== Debian $release: scripts/$command.sh"
+  inside "bash scripts/$command.sh"
+done
+rm -rf "$folder"
+echo "== Debian $release: passed (${commands[*]})"

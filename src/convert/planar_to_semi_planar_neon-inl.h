@@ -1,0 +1,25 @@
+// Chroma planes interleaved on Arm. Included by planar_to_semi_planar.cc in each of its
+// passes.
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+template <bool kStream>
+HWY_INLINE size_t joinPairsInBlocks(uint8_t* to, const uint8_t* first,
+                                    const uint8_t* second, size_t pairs) {
+  return inMovingBlocks(
+      pairs, 64,
+      [&]() HWY_ATTR {
+        for (int k = 0; k < 4; ++k) {
+          const uint8x16_t a = take16(first), b = take16(second);
+          putPairs(to, {{a, b}});
+        }
+      },
+      [&](size_t n) HWY_ATTR { first -= n, second -= n, to -= 2 * n; });
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();

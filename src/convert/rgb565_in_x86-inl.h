@@ -1,0 +1,74 @@
+// RGB565 to luma and chroma on x86. Included by rgb565_in.cc, which says what is
+// computed, in each of its passes.
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+// Two 8-bit values per 16-bit lane: R below G, and B below a constant factor.
+struct RgbLanes {
+  Vec<U8> rg, b1;
+};
+constexpr uint8_t kConstant = 200;
+
+// A field is shifted to the top of its lane and multiplied: the high half of
+// (field << 11) * 264 is field * 33 / 4, which repeats the top bits of 5 bits, and that
+// of (field << 5) * 8320 is field * 65 / 16, which does so for 6.
+HWY_INLINE RgbLanes load565(const uint8_t* from) {
+  const Vec<U16> word = asU16(load(from)), by5 = hn::Set(u16, 264);
+  const Vec<U16> r = hn::MulHigh(hn::And(word, hn::Set(u16, 0xF800)), by5);
+  const Vec<U16> g =
+      hn::MulHigh(hn::And(word, hn::Set(u16, 0x07E0)), hn::Set(u16, 8320));
+  const Vec<U16> b = hn::MulHigh(hn::ShiftLeft<11>(word), by5);
+  return {asU8(hn::Or(r, hn::ShiftLeft<8>(g))),
+          asU8(hn::Or(b, hn::Set(u16, kConstant << 8)))};
+}
+
+// Weights for a pair of bytes in every lane, or in lanes of even and odd place.
+HWY_INLINE Vec<I8> weights(int first, int second) {
+  const int pair = (first & 0xFF) | second * 256;
+  return hn::BitCast(i8, hn::Set(i16, static_cast<int16_t>(pair)));
+}
+HWY_INLINE Vec<I8> weights(int evenFirst, int evenSecond, int oddFirst, int oddSecond) {
+  return hn::BitCast(i8, hn::OddEven(asI16(weights(oddFirst, oddSecond)),
+                                     asI16(weights(evenFirst, evenSecond))));
+}
+
+HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
+  const Vec<I16> high =
+      hn::Add(pairProducts8(c.rg, weights(19, 38)), pairProducts8(c.b1, weights(7, 0)));
+  const Vec<I16> low = hn::Add(pairProducts8(c.rg, weights(33, -117)),
+                               pairProducts8(c.b1, weights(84, 0)));
+  const Vec<I16> rounded = hn::Add(high, hn::Set(i16, 8));
+  return asU16(hn::ShiftRight<6>(hn::Add(rounded, hn::ShiftRight<8>(low))));
+}
+
+// Chroma of the even lanes: V in even lanes, U in odd ones.
+HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
+  alignas(16) static constexpr uint8_t kEvenLanes[16] = {0, 1, 0, 1, 4,  5,  4,  5,
+                                                         8, 9, 8, 9, 12, 13, 12, 13};
+  const Vec<U8> rg = pickInBlocks(c.rg, everyBlock(kEvenLanes));
+  const Vec<U8> b1 = pickInBlocks(c.b1, everyBlock(kEvenLanes));
+  constexpr int kOffset = 41;
+  static_assert(kConstant * kOffset == 128 * 64 + 8, "offset and rounding");
+  const Vec<I16> high = hn::Add(pairProducts8(rg, weights(32, -27, -11, -21)),
+                                pairProducts8(b1, weights(-5, kOffset, 32, kOffset)));
+  const Vec<I16> low = hn::Add(pairProducts8(rg, weights(0, 52, 51, -51)),
+                               pairProducts8(b1, weights(-52, 0, 0, 0)));
+  const Vec<I16> sum = hn::Add(high, hn::ShiftRight<8>(low));
+  const Vec<I16> negative =
+      hn::VecFromMask(i16, hn::Lt(sum, hn::Set(i16, kConstant * kOffset)));
+  const Vec<I16> lower = hn::Add(high, hn::ShiftRight<8>(hn::Add(low, negative)));
+  return asU16(hn::ShiftRight<6>(hn::Add(lower, hn::And(negative, hn::Set(i16, 48)))));
+}
+
+HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
+  store(pack(lumaOf(a), lumaOf(b)), luma);
+}
+HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
+  store(pack(chromaOf(a), chromaOf(b)), chroma);
+}
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();

@@ -1,0 +1,17 @@
+// A row reversed on Arm. Included by upright.cc in each of its passes.
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
+  const uint8_t* last = from + bytes - 64;
+  return inMovingBlocks(
+      bytes, 64, [&]() HWY_ATTR { reverse64(to, last); },
+      [&](size_t n) HWY_ATTR { to -= n, last += n; });
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
