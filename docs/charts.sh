@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Makes the charts of the README and of docs/performance.md from measured values.
 #   docs/charts.sh [FOLDER]    a folder with the files that scripts/bench.sh writes
-# Needs gnuplot.
+# Installs missing packages as root.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+require_packages $chart_packages
 
 folder=${1:-bench/results}
 kind=avx512-vbmi
