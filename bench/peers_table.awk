@@ -1,5 +1,5 @@
-# Prints what zelm-bench measured beside other libraries: a line for each row, the
-# geometric mean of each family, and the rows that miss their figure.
+# Prints what zelm-bench measured beside other libraries: a line for each row, and the rows
+# that miss their figure.
 # Two equally fast calls differ by `noise`, and by more when their data is in no cache;
 # that is allowed for where the figure to reach is equality, and nowhere else.
 BEGIN { FS = ","; noise = 0.02; noise_in_memory = 0.05; in_memory_ns = 300000 }
@@ -31,9 +31,7 @@ function least(target) {
   printf " %7s\n", value("target")
   ratio = value("ratio")
   if (ratio == "") next
-  if (!($3 in count)) family[++families] = $3
-  ++count[$3]; ++compared
-  sum[$3] += log(ratio); all += log(ratio)
+  ++compared
   if (ratio < least(value("target")))
     missed[++misses] = sprintf("%s: %.2f instead of %.2f", name, ratio, value("target"))
   else if (value("memcpy_target") != "" && roof < value("memcpy_target"))
@@ -45,11 +43,6 @@ END {
   print "\nA peer's figure is its time divided by ours: above 1 the library is faster. The"
   print "fastest peer that is counted has a star; in brackets are peers that answer another"
   print "question. Column memcpy: the same for copying half of all bytes read and written.\n"
-  print "Ratio to the fastest peer, geometric mean:"
-  for (f = 1; f <= families; ++f)
-    printf "  %-20s %6.2f  (%d rows)\n", family[f], exp(sum[family[f]] / count[family[f]]),
-           count[family[f]]
-  printf "  %-20s %6.2f  (%d rows)\n", "all", exp(all / compared), compared
-  printf "\nFigures reached: %d of %d rows.\n", compared - misses, compared
+  printf "Figures reached: %d of %d rows.\n", compared - misses, compared
   for (m = 1; m <= misses; ++m) print "  " missed[m]
 }

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Makes the charts of the README and of docs/performance.md from measured values.
 #   docs/charts.sh [FOLDER]    a folder with the files that scripts/bench.sh writes
-# Needs gnuplot.
+# Installs missing packages as root.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+require_packages $chart_packages
 
 folder=${1:-bench/results}
 kind=avx512-vbmi
@@ -22,34 +25,7 @@ draw() {
   sed -i "s|<title>[^<]*</title>|<title>$title</title>|" "$output"
 }
 
-# by_family FILE: the family, then the geometric means of the ratio to the fastest peer and
-# to each peer, as far as they are counted.
-by_family() {
-  awk -F , '
-    /^#/ { next }
-    $1 == "stage" { for (i = 1; i <= NF; ++i) column[$i] = i; next }
-    function add(series, ratio) { sum[$3, series] += log(ratio); ++count[$3, series] }
-    {
-      if (!($3 in seen)) { seen[$3]; family[++families] = $3 }
-      if ($column["ratio"] != "") add(0, $column["ratio"])
-      for (i = 1; i <= 4; ++i) {
-        time = $column[tolower(peer[i]) "_ns"]
-        if (time != "" && !index($column["not_counted"], peer[i] ":"))
-          add(i, time / $column["ours_ns"])
-      }
-    }
-    BEGIN { split("libyuv OpenCV swscale zimg", peer, " ") }
-    END {
-      for (f = 1; f <= families; ++f) {
-        printf "%s", family[f]
-        for (i = 0; i <= 4; ++i)
-          printf "\t%s", count[family[f], i] ? exp(sum[family[f], i] / count[family[f], i]) : "NaN"
-        print ""
-      }
-    }' "$1"
-}
-
-# by_size FILE PATTERN SIZE...: stages whose rows have these sizes, with the ratio to the
+# by_size FILE SIZE...: stages whose rows have these sizes, with the ratio to the
 # fastest peer at each.
 by_size() {
   local file=$1
@@ -94,7 +70,7 @@ gains() {
 }
 
 peers=$folder/$kind.csv
-by_family "$peers" | draw docs/speed.svg \
+awk -f bench/families.awk "$peers" | grep -v "^all" | draw docs/speed.svg \
   "Speed beside other libraries, geometric means of each family" \
   "times as fast as the peer" bars \
   "fastest peer of each row" libyuv OpenCV swscale zimg

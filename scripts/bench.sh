@@ -87,6 +87,18 @@ measure_peers() {
   # OpenCV reads this before a program can say anything to it.
   [ "$ceiling" != avx2 ] || export OPENCV_CPU_DISABLE=AVX512-SKX
   measure "$name" peers "--ceiling=$ceiling"
+  echo
+  {
+    printf 'geometric mean\tfastest\tlibyuv\tOpenCV\tswscale\tzimg\tmemcpy\trows\n'
+    awk -f bench/families.awk "build-bench/$name.csv"
+  } | awk -F '\t' '{
+    printf "%-20s", $1
+    for (i = 2; i <= NF; ++i) {
+      if ($i ~ /\./) $i = sprintf("%.2f", $i)
+      printf " %8s", $i == "NaN" ? "-" : $i
+    }
+    print ""
+  }'
 }
 
 measure_sets() {

@@ -12,6 +12,7 @@ abi_packages="$build_packages abigail-tools"
 demo_packages="$build_packages ffmpeg"
 fuzz_packages="$build_packages clang-14 llvm-14 libclang-rt-14-dev ninja-build"
 docs_packages="doxygen doxygen-awesome-css"
+chart_packages="gnuplot-nox"
 format_packages="clang-format git"
 chroot_packages="mmdebstrap git"
 
