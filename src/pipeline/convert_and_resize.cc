@@ -1,5 +1,5 @@
-// The pipeline for UYVY, RGB565 and tiled sources: it converts them to semi-planar 4:2:0
-// with V before U first, and scales second. It validates nothing.
+// The pipeline for UYVY, RGB565 and tiled sources: it converts them to semi-planar
+// 4:2:0 with V before U first, and scales second. It validates nothing.
 #include "pipeline/frame.h"
 #include "pipeline/methods.h"
 #include "plane.h"
