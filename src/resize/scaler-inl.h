@@ -1,22 +1,24 @@
 // The frame of the scalers: strips of columns, tables of where their bytes come from,
 // and rows that are filtered once and kept. Included once per instruction set, by a
 // file that defines a scaling method, which is a class M with
-//   kSample             the bytes of a sample
-//   kTaps               how many source samples, side by side, make one in each
-//   direction kPicks              how many bytes vectors pick for each destination
-//   byte: 1 or 2 kStrip              the destination bytes that are made of every row
-//   at a time tapOf(axis, byte)   where a byte of a destination row comes from; its
-//   lowest() is
-//                       the first of the bytes that it is made of
-//   RowTap(axis, y)     the source rows of a destination row, row[kTaps], and weights
+//
+//   kSample   the bytes of a sample
+//   kTaps     how many samples, side by side, make one in each direction
+//   kPicks    how many bytes vectors pick for each destination byte: 1 or 2
+//   kStrip    the destination bytes that are made of every row at a time
+//   Filtered  the numbers of a filtered row
+//
+//   tapOf(axis, byte)  where a byte of a destination row comes from; its lowest()
+//                      is the first of the source bytes that it is made of
+//   RowTap(axis, y)    the source rows of a destination row, row[kTaps], and weights
 //   PlainColumns, VectorColumns<pieces>
-//                       what is known of the columns of a strip, constructed with
-//                       (axis, first byte of the strip, bytes of the strip, bytes of a
-//                       source row)
+//                      what is known of the columns of a strip, constructed with the
+//                      axis, the strip's first byte, its bytes, a source row's bytes
+//
 // Columns make a row of their strip by makeRow(to, rows, tap, next), where rows are
 // source rows if kDirect, filtered rows if kKept, either if both. `next` is the source
 // row that the next destination row begins with, or null if it need not be prefetched.
-// A source row is filtered by filterRow(to, from) into numbers of the type M::Filtered.
+// A source row is filtered by filterRow(to, from).
 #if ZELM_VBMI || defined(ZELM_SRC_RESIZE_SCALER_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_SCALER_INL_H_
