@@ -21,8 +21,12 @@ if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND
 endif()
 
 # One program, run with each instruction set as its ceiling.
+# Its own kernel is compiled like those of the library.
 add_executable(library_test instruction_set_test.cc)
-zelm_use_highway(library_test)
+target_compile_definitions(library_test PRIVATE
+  $<TARGET_PROPERTY:zelm_kernels,COMPILE_DEFINITIONS>)
+target_include_directories(library_test SYSTEM PRIVATE
+  $<TARGET_PROPERTY:zelm_kernels,INCLUDE_DIRECTORIES>)
 zelm_warnings(library_test)
 target_link_options(library_test PRIVATE -Wl,--wrap=malloc,--wrap=free)
 target_link_libraries(library_test PRIVATE zelm_comparisons zelm_objects_with_ceiling)
