@@ -3,7 +3,8 @@
 # each; exit status 1 when one failed.
 #   scripts/check.sh [NAME...]
 #   gcc       everything, warnings are errors
-#   clang     the same with the other compiler
+#   clang     the same with the other compiler, release 14
+#   clang19   the same with release 19
 #   asan      the whole suite, address and undefined-behaviour sanitizers
 #   tsan      the whole suite, thread sanitizer
 #   msan      the fuzzers of the library, memory sanitizer
@@ -11,6 +12,7 @@
 #   tidy      clang-tidy with the repository's configuration
 #   cppcheck  the other static analyser
 #   format    clang-format
+#   rooms     intrinsics and assembly stand in files named after their instruction set
 # Each has its folder build-NAME and its log build-NAME/check.log. JOBS and SECONDS_PER_FUZZER
 # set the number of compilers and how long a fuzzer runs, LEAVE_OUT is a regular expression
 # of tests that the sanitizers leave out. Installs missing packages as
@@ -20,7 +22,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 2
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 
-all=(format gcc clang asan tsan msan valgrind tidy cppcheck)
+all=(format rooms gcc clang clang19 asan tsan msan valgrind tidy cppcheck)
 jobs=${JOBS:-$(nproc)}
 seconds=${SECONDS_PER_FUZZER:-20}
 
@@ -52,6 +54,8 @@ without_warnings() {
 check_gcc() { without_warnings gcc g++; }
 
 check_clang() { without_warnings clang-14 clang++-14; }
+
+check_clang19() { without_warnings clang-19 clang++-19; }
 
 check_asan() {
   UBSAN_OPTIONS=print_stacktrace=1 sanitized asan address,undefined
@@ -96,10 +100,22 @@ check_format() {
   git ls-files '*.cc' '*.h' '*.c' ':!include' | xargs clang-format --dry-run -Werror
 }
 
+# What only one instruction set can do has a file that says so in its name, and those
+# files are included by the stage or the helpers that they belong to, nowhere else. An
+# empty assembly statement, which only stops the compiler from looking, is no assembly.
+check_rooms() {
+  local names='_mm[0-9]*_\w|\b__m(128|256|512)|\bv[a-z0-9]+(_[a-z0-9]+)*_[usp](8|16|32|64)\b'
+  names+='|\bu?int(8|16|32|64)x[0-9]|\basm\b[^"]*"[^"]|\.raw\b|__builtin_(ia32|arm|neon)'
+  names+='|\b(arm_neon|[a-z]*mmintrin|immintrin)\.h'
+  ! git ls-files src | grep -vE '_(x86|vbmi|neon|armv7)[-._]|/neon(_\w+)?\.h$' |
+    xargs grep -nE "$names"
+}
+
 # Packages that each needs.
 declare -A needs=(
   [format]="$format_packages" [gcc]="$test_packages ninja-build"
-  [clang]="$test_packages ninja-build clang-14" [asan]="$test_packages ninja-build"
+  [clang]="$test_packages ninja-build clang-14" [rooms]="git grep"
+  [clang19]="$test_packages ninja-build clang-19" [asan]="$test_packages ninja-build"
   [tsan]="$test_packages ninja-build" [msan]="$fuzz_packages"
   [valgrind]="$test_packages ninja-build valgrind"
   [tidy]="$test_packages ninja-build clang-tidy"

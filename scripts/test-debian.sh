@@ -2,7 +2,8 @@
 # Runs the two commands of the README in a fresh clone of what is committed, on a bare
 # Debian of its own: a chroot with g++, make and git, where the scripts install the rest.
 #   scripts/test-debian.sh [12|13] [demo|test]...    by default 13, demo and test
-# As root; the chroot is made anew in build-debian13/ (or 12) each time.
+# What ZELM_CMAKE_OPTIONS holds goes to CMake. As root; the chroot is made anew in
+# build-debian13/ (or 12) each time.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -43,7 +44,8 @@ inside() {
   unshare --mount --fork bash -c '
     mount --bind /proc "$0/proc" && mount --bind /dev "$0/dev" &&
       exec chroot "$0" /usr/bin/env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-        bash -c "cd /zelm_imageutil && $1"' "$root" "$1"
+        ZELM_CMAKE_OPTIONS="$2" \
+        bash -c "cd /zelm_imageutil && $1"' "$root" "$1" "${ZELM_CMAKE_OPTIONS:-}"
 }
 
 for command in "${commands[@]}"; do

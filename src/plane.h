@@ -1,4 +1,4 @@
-// Where a region lies in a plane: the only place that does this sum.
+// Where a region lies in a plane. This is the only place that computes it.
 #ifndef ZELM_SRC_PLANE_H_
 #define ZELM_SRC_PLANE_H_
 
@@ -22,7 +22,8 @@ struct Region {
   bool empty() const { return columns == 0 || rows == 0; }
 };
 
-// Luma, and every format with one plane: `bytes` bytes per pixel.
+// The region of the luma plane, or of a format with one plane, of `bytes` bytes per
+// pixel.
 inline Region packedRegion(const ImageStruct& image, size_t bytes) {
   const ptrdiff_t stride = static_cast<ptrdiff_t>(image.width * bytes);
   return {image.data + image.roiY * stride + image.roiX * static_cast<ptrdiff_t>(bytes),
@@ -31,8 +32,8 @@ inline Region packedRegion(const ImageStruct& image, size_t bytes) {
 
 inline Region lumaRegion(const ImageStruct& image) { return packedRegion(image, 1); }
 
-// Interleaved 4:2:0 chroma that starts `offset` bytes into the buffer. The region's
-// column is a byte position: it is even, so it names a whole pair.
+// The region of interleaved 4:2:0 chroma that starts `offset` bytes into the buffer.
+// Its column is a position in bytes: it is even, so it names a whole pair.
 inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
   const ptrdiff_t stride = image.width;
   return {image.data + offset + (image.roiY >> 1) * stride + image.roiX,
@@ -40,23 +41,23 @@ inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
           static_cast<size_t>(image.roiHeight >> 1)};
 }
 
-// Chroma of a semi-planar 4:2:0 frame.
+// The region of the chroma of a semi-planar 4:2:0 frame.
 inline Region chromaRegion(const ImageStruct& image) {
   return chromaRegionAt(image, image.uvOffset);
 }
 
-// The same where chroma follows a luma plane of width x height, wherever uvOffset says.
+// The same where chroma follows a luma plane of width x height, whatever uvOffset says.
 inline Region chromaRegionBehindLuma(const ImageStruct& image) {
   return chromaRegionAt(image, static_cast<size_t>(image.width) * image.height);
 }
 
-// How many rows a kernel is given, and of how many bytes.
+// How many rows a kernel is given, and how many bytes each has.
 struct RowSpan {
   size_t rows;
   size_t bytes;
 };
 
-// Rows without gaps between them, on both sides, are one long row.
+// Joins rows that have no gaps between them on both sides into one long row.
 inline RowSpan joinRows(const Region& to, const Region& from, size_t rows,
                         size_t bytes) {
   if (to.stride == bytes && from.stride == bytes) return {1, rows * bytes};
@@ -70,12 +71,12 @@ inline void copyRows(const Region& to, const Region& from, size_t rows, size_t b
   }
 }
 
-// Bytes of the luma plane; the multiplication cannot overflow in 64 bits.
+// The bytes of the luma plane. The multiplication cannot overflow in 64 bits.
 inline uint64_t lumaBytes(const ImageStruct& image) {
   return static_cast<uint64_t>(image.width) * image.height;
 }
 
-// Bytes of tiled luma: edge tiles are stored whole.
+// The bytes of tiled luma, whose edge tiles are stored whole.
 inline uint64_t tiledLumaBytes(uint32_t width, uint32_t height) {
   return uint64_t{256} * ((width + 15) / 16) * ((height + 15) / 16);
 }

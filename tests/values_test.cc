@@ -319,6 +319,48 @@ TEST(Values, FrameSizes) {
             sizeof(size_t) == 8 ? static_cast<size_t>(17178820624) : 0);
 }
 
+// Records of frames that cannot exist are refused, whatever the record's fields hold.
+TEST(Values, PaddedAndImpossibleFrames) {
+  uint8_t sample = 0;
+  ImageStruct huge = zelmWholeFrame(FORMAT_YUV420SP, 70000, 720, &sample);
+  EXPECT_EQ(checkStruct(&huge), RESULT_BAD_SIZE);
+  huge = zelmWholeFrame(FORMAT_YUV420SP, 2, 65538, &sample);
+  EXPECT_EQ(checkStruct(&huge), RESULT_BAD_SIZE);
+
+  struct {
+    uint32_t format, width, height, stride, columns;  // columns 0: refused
+  } const table[] = {
+      {FORMAT_YUV420SP, 6, 4, 8, 8},
+      {FORMAT_YUV422SPVU, 6, 4, 6, 6},
+      {FORMAT_RGB565, 6, 4, 16, 8},
+      {FORMAT_RGB888, 6, 4, 24, 8},
+      {FORMAT_RGBA8888, 6, 4, 32, 8},
+      {FORMAT_YUV420SP, 6, 4, 4, 0},
+      {FORMAT_YUV420SP, 6, 4, 7, 0},
+      {FORMAT_RGB888, 6, 4, 20, 0},
+      {FORMAT_RGBA8888, 6, 4, 28, 0},
+      {FORMAT_YUV420SP, 5, 4, 8, 0},
+      {FORMAT_YUV420SP, 6, 0, 8, 0},
+      {FORMAT_YUV420SP, 6, 65538, 8, 0},
+      {FORMAT_YUV420SP, 6, 4, 65536 + 8, 0},
+      {FORMAT_YUV420SP, 65542, 4, 65544, 0},
+      {FORMAT_YUV420P, 6, 4, 8, 0},
+      {FORMAT_YUV420SPMB, 16, 16, 16, 0},
+      {FORMAT_RGB565, 6, 4, 2 * 65536 + 16, 0},
+      {7, 6, 4, 8, 0},
+  };
+  for (const auto& t : table) {
+    ImageStruct r = zelmPaddedFrame(t.format, t.width, t.height, t.stride, 40, &sample);
+    EXPECT_EQ(checkStruct(&r), t.columns != 0 ? RESULT_OK : RESULT_BAD_SIZE)
+        << t.format << ", " << t.stride;
+    EXPECT_EQ(r.width, t.columns) << t.format << ", " << t.stride;
+    if (t.columns != 0) {
+      EXPECT_TRUE(r.roiWidth == t.width && r.height == t.height &&
+                  r.roiHeight == t.height && r.uvOffset == 40);
+    }
+  }
+}
+
 TEST(Whole, EverySingleColour) {
   const ImageStruct frame = plane(128, 2);
   Bytes in(128 * 3);

@@ -1,5 +1,5 @@
-// Semi-planar 4:2:0 to 4:2:2: every chroma row becomes two, itself and the mean of
-// it and the next row, rounded down; the region's last row is repeated.
+// Semi-planar 4:2:0 to 4:2:2. Every chroma row becomes two: itself, and the mean of it
+// and the next row, rounded down. The region's last row is repeated.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/chroma_422.cc"
 #include "simd/each_target.h"  // before all others
@@ -40,7 +40,8 @@ HWY_INLINE size_t expandBlocks(uint8_t* even, uint8_t* odd, const uint8_t* row,
 }
 #endif
 
-// Pairs keep their order, or their bytes are exchanged.
+// Writes the two rows that a chroma row becomes. Pairs keep the order of their bytes,
+// or it is exchanged.
 template <bool kSwap, bool kStream>
 HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
                           const uint8_t* next, size_t bytes) {

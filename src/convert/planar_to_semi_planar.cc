@@ -1,5 +1,5 @@
-// Planar 4:2:0 to semi-planar: the chroma planes, packed one behind the other, are
-// interleaved. Whole frames.
+// Planar 4:2:0 to semi-planar: interleaves the chroma planes, which are packed one
+// behind the other. Works on whole frames.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/planar_to_semi_planar.cc"
 #include "simd/each_target.h"  // before all others

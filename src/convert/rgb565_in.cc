@@ -38,7 +38,7 @@ struct Rgb {
   int r, g, b;
 };
 
-// The fields of a word, widened to 8 bits by repeating their top bits.
+// Unpacks the fields of a word and widens them to 8 bits by repeating their top bits.
 Rgb unpack565(const uint8_t* from) {
   const int word = from[0] | from[1] << 8;
   const int r = word >> 11, g = word >> 5 & 63, b = word & 31;
@@ -64,7 +64,7 @@ void rgb565LumaRow(uint8_t* luma, const uint8_t* from, size_t pixels) {
   for (size_t x = done; x < pixels; ++x) luma[x] = lumaOf(unpack565(from + 2 * x));
 }
 
-// An odd last pixel forms a pair with itself; its luma is not stored here.
+// An odd last pixel forms a pair with itself, whose second luma is not stored here.
 void rgb565Row(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t pixels) {
   size_t done = 0;
 #if ZELM_VECTORS

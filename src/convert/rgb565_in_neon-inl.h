@@ -5,12 +5,12 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// 8 pixels.
+// The channels of 8 pixels.
 struct RgbLanes {
   uint8x8_t r, g, b;
 };
 
-// Each field is moved to the top of a byte, and its top bits are put in below it.
+// Moves each field to the top of a byte and repeats its top bits below it.
 HWY_INLINE RgbLanes load565(const uint8_t* from) {
   const uint16x8_t word = vreinterpretq_u16_u8(vld1q_u8(from));
   const uint8x8_t r = vshrn_n_u16(word, 8), g = vshrn_n_u16(word, 3);
@@ -37,7 +37,7 @@ HWY_INLINE uint8x8_t lumaOf(const RgbLanes& c) {
   return vreinterpret_u8_s8(vshrn_n_s16(vsraq_n_s16(high, low, 8), 6));
 }
 
-// C = 256 high + low, with 8200 in high.
+// Rounds C = 256 high + low, with 8200 in high, to a chroma byte.
 HWY_INLINE uint8x8_t centred(int16x8_t high, int16x8_t low) {
   const int16x8_t sum = vsraq_n_s16(high, low, 8);
   const int16x8_t negative = vreinterpretq_s16_u16(vcltq_s16(sum, vdupq_n_s16(8200)));
@@ -51,7 +51,7 @@ HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
   vst1_u8(luma + 8, lumaOf(b));
 }
 
-// Of the first pixel of each two.
+// Stores the chroma of the first pixel of each two.
 HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
   const uint8x8_t red = vuzp_u8(a.r, b.r).val[0], green = vuzp_u8(a.g, b.g).val[0];
   const uint8x8_t blue = vuzp_u8(a.b, b.b).val[0];

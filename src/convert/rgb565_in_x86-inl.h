@@ -6,12 +6,14 @@ namespace {
 namespace HWY_NAMESPACE {
 
 // Two 8-bit values per 16-bit lane: R below G, and B below a constant factor.
+//   rg   R0 G0 R1 G1 ...
+//   b1   B0 k  B1 k  ...
 struct RgbLanes {
   Vec<U8> rg, b1;
 };
 constexpr uint8_t kConstant = 200;
 
-// A field is shifted to the top of its lane and multiplied: the high half of
+// Shifts each field to the top of its lane and multiplies it. The upper half of
 // (field << 11) * 264 is field * 33 / 4, which repeats the top bits of 5 bits, and that
 // of (field << 5) * 8320 is field * 65 / 16, which does so for 6.
 HWY_INLINE RgbLanes load565(const uint8_t* from) {
@@ -24,7 +26,7 @@ HWY_INLINE RgbLanes load565(const uint8_t* from) {
           asU8(hn::Or(b, hn::Set(u16, kConstant << 8)))};
 }
 
-// Weights for a pair of bytes in every lane, or in lanes of even and odd place.
+// Weights for the pair of bytes in every lane, or for those in even and in odd lanes.
 HWY_INLINE Vec<I8> weights(int first, int second) {
   const int pair = (first & 0xFF) | second * 256;
   return hn::BitCast(i8, hn::Set(i16, static_cast<int16_t>(pair)));
@@ -43,7 +45,7 @@ HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
   return asU16(hn::ShiftRight<6>(hn::Add(rounded, hn::ShiftRight<8>(low))));
 }
 
-// Chroma of the even lanes: V in even lanes, U in odd ones.
+// The chroma of the pixels in even lanes: V in even lanes, U in odd ones.
 HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
   alignas(16) static constexpr uint8_t kEvenLanes[16] = {0, 1, 0, 1, 4,  5,  4,  5,
                                                          8, 9, 8, 9, 12, 13, 12, 13};

@@ -1,4 +1,5 @@
-// Semi-planar 4:2:0 copied, with its chroma pairs exchanged, or split into planes.
+// Copies semi-planar 4:2:0, exchanges the bytes of its chroma pairs, or splits them
+// into planes.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
 #include "simd/each_target.h"  // before all others
@@ -83,8 +84,8 @@ void swapPlane(const Region& to, const Region& from) {
   for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
 }
 
-// Whole frames. The chroma rows of the planar side are padded to multiples of 16
-// bytes, the luma rows are not; the planes lie where padded luma rows would end.
+// Splits whole frames. The chroma rows of the planar side are padded to multiples of 16
+// bytes, its luma rows are not; the planes lie where padded luma rows would end.
 void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   const size_t height = dst.height, pairs = dst.width / 2, rows = height / 2;
   const size_t lumaStride = roundUpTo16(dst.width);

@@ -1,8 +1,9 @@
 // The 16 x 16-tiled 4:2:0 layout, to and from linear semi-planar with pairs V, U.
 //
 // A tile holds its left 8 columns, row by row, then its right 8. Luma tiles have 16
-// rows, chroma tiles 8; tiled pairs are U, V, so chroma is exchanged on the way.
-// Bytes of an edge tile that lie outside the frame are neither read nor written.
+// rows, chroma tiles 8. Tiled pairs are U, V, so the bytes of chroma pairs are
+// exchanged on the way. Bytes of an edge tile that lie outside the frame are neither
+// read nor written.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/tiled.cc"
 #include "simd/each_target.h"  // before all others
@@ -21,13 +22,13 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// Between the linear and the tiled plane, whichever of the two is read.
+// The one of the two planes that is written.
 template <bool kToTiled>
 HWY_INLINE uint8_t* target(uint8_t* linear, uint8_t* tiled) {
   return kToTiled ? tiled : linear;
 }
 
-// A part of a tile: the columns and rows of it that lie in the frame.
+// Moves the part of a tile that lies in the frame, by columns and rows.
 template <bool kToTiled, bool kSwap>
 HWY_INLINE void movePart(uint8_t* linear, size_t stride, uint8_t* tile,
                          size_t halfBytes, size_t columns, size_t rows) {
@@ -42,7 +43,9 @@ HWY_INLINE void movePart(uint8_t* linear, size_t stride, uint8_t* tile,
 }
 
 #if ZELM_VECTORS && !ZELM_ARMV7
-// Two rows of 16 bytes are, halves exchanged, two rows of each half.
+// Moves two rows of 16 bytes at a time, which lie in the tile as two rows of each half:
+//   linear   row 0   L0 | R0        tile   left    L0 | L1
+//            row 1   L1 | R1               right   R0 | R1
 template <bool kToTiled, bool kSwap, size_t kRows>
 HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
   const hn::Full128<uint8_t> block;
@@ -67,7 +70,7 @@ HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
 }
 #endif
 
-// One row of tiles. `columns` is also the linear stride.
+// Moves one row of tiles. `columns` is also the linear stride.
 template <bool kToTiled, bool kSwap, size_t kRows>
 HWY_INLINE void moveTiles(uint8_t* linear, uint8_t* tile, size_t columns, size_t rows) {
   size_t x = 0;
@@ -107,8 +110,8 @@ namespace {
 
 using MoveTiles = void(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows);
 
-// One plane in both layouts: `columns` bytes by `rows` rows, which is also the
-// linear stride, in tiles of 16 bytes by `tileRows` rows.
+// Moves one plane of `columns` bytes, which is also the linear stride, by `rows` rows,
+// in tiles of 16 bytes by `tileRows` rows.
 void movePlane(MoveTiles* move, uint8_t* linear, uint8_t* tiled, size_t columns,
                size_t rows, size_t tileRows) {
   const size_t tileRowBytes = (columns + 15) / 16 * 16 * tileRows;

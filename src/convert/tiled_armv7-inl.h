@@ -4,7 +4,8 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// The halves of a register are those of a row, each read or written by itself.
+// Moves row by row: the two halves of a register are the halves of a row, and each is
+// loaded or stored by itself.
 template <bool kToTiled, bool kSwap, size_t kRows>
 HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
   uint8_t *left = tile, *right = tile + 8 * kRows;

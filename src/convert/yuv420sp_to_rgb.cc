@@ -34,7 +34,7 @@ HWY_INLINE uint8_t clampToByte(int value) {
   return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
-// Pixel x; `other` is the pair that its own is averaged with.
+// Converts pixel x by the rule; `other` is the pair that its own is averaged with.
 template <class Format>
 HWY_INLINE void putPixel(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
                          size_t x, size_t other) {
@@ -60,7 +60,7 @@ HWY_INLINE void convertRow(uint8_t* to, const uint8_t* luma, const ChromaRows& c
   size_t done = 0;
 #if ZELM_VECTORS
   done = convertBlocks<Format>(to, luma, chroma, last);
-  // The right pixel of the first pair was taken for an inner one.
+  // The right pixel of the first pair was converted like an inner one.
   if (done > 0) putPixel<Format>(to, luma, chroma, 1, 0);
 #endif
   for (size_t j = done; j < pairs; ++j) {

@@ -8,8 +8,8 @@
 namespace zelm {
 namespace {
 
-// The chroma of one luma row. One byte of the pairs, the lone one, is taken from the
-// row itself, the other is averaged with that of the `other` row.
+// The chroma of one luma row. One byte of each pair, the lone one, is taken from the
+// row itself; the other byte is averaged with that of the `other` row.
 struct ChromaRows {
   const uint8_t* own;
   const uint8_t* other;

@@ -5,15 +5,15 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// 16 pixels in order.
+// 16 pixels, in order.
 struct RgbBytes {
   Vec<U8> r, g, b;
 };
 
-// First and second chroma bytes, and left and right pixels, in registers of their own.
-// With s = byte - 128, a left pixel sees 2 times the sum over two rows, a right one the
-// sum over two rows and two pairs; of the lone byte 4 s and 2 (s + s[next]). Factors of
-// 2 are left to the coefficients.
+// Keeps first and second chroma bytes, and left and right pixels, in registers of their
+// own. With s = byte - 128, a left pixel sees 2 times the sum over two rows, a right
+// one the sum over two rows and two pairs; of the lone byte they see 4 s and 2 (s +
+// s[next]). The factors of 2 are left to the coefficients.
 template <bool kUFirst, bool kLoneFirst>
 class RgbKernel {
  public:
@@ -28,7 +28,7 @@ class RgbKernel {
     weights_ = vld1_s16(weights);
   }
 
-  // Reads one pair further.
+  // Converts two times 16 pixels, and reads one pair further.
   HWY_INLINE void pixels(const uint8_t* luma, size_t at, RgbBytes (&out)[2]) const {
     const Pairs own = centred(chroma_.own + at), next = centred(chroma_.own + at + 2);
     const int8x16_t other = centred(chroma_.other + at).val[kMixed];
@@ -62,7 +62,7 @@ class RgbKernel {
   struct Pairs {
     int8x16_t val[2];
   };
-  // Of 8 pairs: for left and for right pixels.
+  // What chroma adds to the luma of 8 pairs: to left and to right pixels.
   struct Differences {
     int16x8_t lone[2], mixed[2], g[2];
   };
@@ -109,8 +109,8 @@ class RgbKernel {
   }
 
   const ChromaRows chroma_;  // a copy, which no store can change
-  // Of the lone and of the other byte: for R or B, then for G. One register, as only
-  // eight can be used by lane on 32-bit Arm.
+  // The coefficients of the lone and of the other byte for R or B, then for G. They
+  // share one register, because only eight of them can be used by lane on 32-bit Arm.
   int16x4_t weights_;
 };
 
@@ -135,7 +135,7 @@ HWY_INLINE void storePixels(Rgb888, uint8_t* to, const RgbBytes& c) {
 }
 
 HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
-  // The upper bits of B, of G below it and of R below that.
+  // A word holds the upper bits of B, those of G below them and those of R below those.
   const uint8x16_t r = vshrq_n_u8(c.r.raw, 3);
   const Vec<U8> low{vsliq_n_u8(r, vshrq_n_u8(c.g.raw, 2), 5)};
   const Vec<U8> high{vsriq_n_u8(c.b.raw, c.g.raw, 5)};

@@ -7,7 +7,8 @@ namespace HWY_NAMESPACE {
 
 constexpr size_t kAhead = 3072;  // how far ahead destination lines are prefetched
 
-// Where the bytes of pixels, made of channels R, G, B, A (255) and 0, come from.
+// Where the bytes of pixels come from. Pixels are made of channels R, G, B, A (which is
+// 255) and 0.
 template <char... kChannels>
 struct PixelPlaces {
   static constexpr size_t kPixelBytes = sizeof...(kChannels);
@@ -32,7 +33,7 @@ struct PixelPlaces {
   }
 };
 
-// Vector v of such bytes, in one permutation of R and B and one of G.
+// Makes vector v of such bytes by one permutation of R and B and one of G.
 template <char... kChannels>
 HWY_INLINE Vec<U8> pixelBytes(const RgbBytes& c, size_t v) {
   static constexpr PixelPlaces<kChannels...> kPlaces;

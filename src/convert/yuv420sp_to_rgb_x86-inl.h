@@ -5,14 +5,17 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// kBytes pixels: G in order, R and B as pairs of left and of right pixels.
+// kBytes pixels: G in order, R and B as pairs of the left and of the right pixels.
+//   rbLeft    R0 B0 R2 B2 R4 B4 ...
+//   rbRight   R1 B1 R3 B3 R5 B5 ...
+//   g         G0 G1 G2 G3 G4 G5 ...
 struct RgbBytes {
   Vec<U8> rbLeft, rbRight, g;
 };
 
-// In 16-bit lanes that hold first and second chroma bytes in turn, as 32-bit lanes
-// hold pairs. With S = sums of two rows, left pixels see 2 S - 512 and right ones
-// S + S[next] - 512; the factor 2 is left to the coefficients.
+// Computes in 16-bit lanes that hold the first and the second chroma byte in turn, so
+// that a 32-bit lane holds a pair. With S = the sum of two rows, left pixels see
+// 2 S - 512 and right ones S + S[next] - 512; the factor 2 is left to the coefficients.
 class RgbKernel {
  public:
   HWY_INLINE explicit RgbKernel(const ChromaRows& chroma)
@@ -22,7 +25,7 @@ class RgbKernel {
         rb_(chroma.uFirst ? alternate(14516, 11485) : alternate(11485, 14516)),
         g_(chroma.uFirst ? alternate(-5638, -11700) : alternate(-11700, -5638)) {}
 
-  // Reads one pair further.
+  // Converts kBytes pixels, and reads one pair further.
   HWY_INLINE RgbBytes pixels(const uint8_t* luma, size_t at) const {
     const Vec<U8> own = load(chroma_.own + at), other = load(chroma_.other + at);
     const Vec<U8> ownNext = load(chroma_.own + at + 2);
@@ -51,7 +54,8 @@ class RgbKernel {
     Vec<I16> rbLeft, rbRight, g;
   };
 
-  // Bytes kFirst, kFirst + 2, ... in two 16-bit lanes each.
+  // Spreads bytes kFirst, kFirst + 2, ... to two 16-bit lanes each:
+  //   y0 y1 y2 y3 ...   gives   y0 0  y0 0  y2 0  y2 0 ...
   template <uint8_t kFirst>
   static HWY_INLINE Vec<I16> twice(Vec<U8> y) {
     constexpr uint8_t k0 = kFirst, k1 = k0 + 2, k2 = k0 + 4, k3 = k0 + 6;
@@ -60,7 +64,8 @@ class RgbKernel {
     return asI16(pickInBlocks(y, everyBlock(kPicks)));
   }
 
-  // Half a vector. Chroma rows come interleaved, of the pairs and of the next ones.
+  // Computes half a vector. The two chroma rows come interleaved, those of the pairs
+  // and those of the next pairs.
   HWY_INLINE Channels channels(Vec<U8> rows, Vec<U8> nextRows, Vec<I16> y,
                                Vec<I16> yLeft, Vec<I16> yRight) const {
     const Vec<I16> middle = hn::Set(i16, 256);

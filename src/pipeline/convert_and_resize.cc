@@ -1,5 +1,5 @@
-// UYVY, RGB565 and tiled sources: converted to V-then-U semi-planar first, scaled
-// second. Nothing is validated here.
+// The pipeline for UYVY, RGB565 and tiled sources: it converts them to semi-planar
+// 4:2:0 with V before U first, and scales second. It validates nothing.
 #include "pipeline/frame.h"
 #include "pipeline/methods.h"
 #include "plane.h"
@@ -41,8 +41,8 @@ extern "C" int Zelm_Convert_and_Resize(ImageStruct src, ImageStruct dst, int lum
     return RESULT_BAD_ROI;
   }
 
-  // The target has the source's size; what is to be scaled lies at its origin, or
-  // for a tiled source where it lay in the source.
+  // The target is as large as the source. What is to be scaled lies at its origin; that
+  // of a tiled source lies where it lay in the source.
   zelm::Frame target;
   ImageStruct& record = target.record;
   record = dst;

@@ -16,11 +16,11 @@ class Frame {
   Frame(const Frame&) = delete;
   Frame& operator=(const Frame&) = delete;
 
-  // The record: set everything but `data`, then allocate.
+  // The frame's record. Set everything but `data`, then allocate.
   ImageStruct record = {};
 
-  // Takes room for a luma plane of `lumaBytes` and its chroma. False when there
-  // is none, or when the size cannot be expressed.
+  // Allocates a luma plane of `lumaBytes` and its chroma. Returns false when there is
+  // no memory, or when the size cannot be expressed.
   bool allocate(uint64_t lumaBytes) {
     const uint64_t bytes = lumaBytes * 3 / 2;
     if (bytes > SIZE_MAX) return false;

@@ -40,7 +40,7 @@ inline int scaleFrame(ImageStruct* dst, ImageStruct* src, int lumaMethod,
   return RESULT_OK;
 }
 
-// What scaleFrame answers where there is nothing to scale.
+// Returns what scaleFrame would where there is nothing to scale.
 inline int checkMethods(int lumaMethod, int chromaMethod) {
   if (findScaler(lumaMethod) == nullptr) return RESULT_BAD_LUMA_METHOD;
   if (findScaler(chromaMethod) == nullptr) return RESULT_BAD_CHROMA_METHOD;

@@ -11,7 +11,7 @@ using zelm::Stage;
 
 constexpr uint32_t kSemiPlanar = FORMAT_YUV420SP | FORMAT_YUV420SPVU;
 
-// One call: its own copies of the records, validated.
+// One call, with its own copies of the records after validation.
 struct Call {
   ImageStruct src;
   ImageStruct dst;
@@ -46,7 +46,7 @@ Stage findConverter(uint32_t from, uint32_t to) {
   return nullptr;
 }
 
-// Between planar and semi-planar: whole frames of the same geometry.
+// Converts between planar and semi-planar whole frames of the same geometry.
 int convertPlanar(Call& call) {
   ImageStruct &src = call.src, &dst = call.dst;
   if (src.width != dst.width || src.height != dst.height || src.roiX != dst.roiX ||
@@ -68,10 +68,10 @@ int convertSameSize(Call& call) {
   return RESULT_OK;
 }
 
-// Box averages while the source is at least twice as large as the destination:
-// by 4, and by 2 for a last odd halving. `working` ends as the frame to be scaled;
-// its buffer is one of `frames`, or still the source's. The last average is written
-// to `target`, if there is one, which is of the right size.
+// Averages boxes while the source is at least twice as large as the destination: by 4,
+// and by 2 for a last odd halving. At the end `working` is the frame to be scaled; its
+// buffer is one of `frames`, or still the source's. The last average is written to
+// `target`, if there is one, which then has the right size.
 int reduce(ImageStruct* working, zelm::Frame (&frames)[2], int halvings,
            const ImageStruct* target) {
   for (int i = 0; halvings > 0; i ^= 1) {
@@ -99,14 +99,15 @@ int reduce(ImageStruct* working, zelm::Frame (&frames)[2], int halvings,
   return RESULT_OK;
 }
 
-// Averages alone lead to the destination's size, and the methods are known.
+// Tells whether averages alone lead to the destination's size with methods that exist.
 bool reducesToSize(const Call& call, int halvings) {
   return call.src.roiWidth >> halvings == call.dst.roiWidth &&
          call.src.roiHeight >> halvings == call.dst.roiHeight &&
          zelm::checkMethods(call.lumaMethod, call.chromaMethod) == RESULT_OK;
 }
 
-// A tiled frame is written whole, so what its region leaves out is read back first.
+// Reads a tiled frame back before it is written: that happens as a whole, and bytes
+// outside of the region have to stay as they are.
 int readBackTiled(ImageStruct* target, const ImageStruct& dst) {
   const uint64_t chroma = zelm::tiledLumaBytes(dst.width, dst.height);
   if (chroma > UINT32_MAX) return RESULT_NO_MEMORY;
@@ -130,7 +131,8 @@ int scaleAlike(Call& call, int halvings) {
   return zelm::scaleFrame(&call.dst, &working, call.lumaMethod, call.chromaMethod);
 }
 
-// The formats differ in the order of chroma bytes only, which is put right in place.
+// Scales between two formats that differ only in the order of chroma bytes, which is
+// exchanged in place at the end.
 int scaleExchanged(Call& call, int halvings) {
   if (const int code = zelm::checkMethods(call.lumaMethod, call.chromaMethod)) {
     return code;
@@ -140,7 +142,7 @@ int scaleExchanged(Call& call, int halvings) {
   return RESULT_OK;
 }
 
-// Reduces, scales in the source's format, converts. Steps that would only copy are
+// Reduces, scales in the source's format and converts. Steps that would only copy are
 // left out.
 int scale(Call& call) {
   ImageStruct &src = call.src, &dst = call.dst;

@@ -24,8 +24,8 @@ const Rotation* findRotation(int code) {
   return nullptr;
 }
 
-// Formats whose first plane is one byte of luma per pixel. 8 lies between them
-// but is no format: checkStruct rejects it, with the same code but later.
+// Tells whether the format's first plane is one byte of luma per pixel. 8 lies between
+// those formats but is none: checkStruct rejects it, with the same code but later.
 bool hasLumaPlane(uint32_t format) {
   return format == FORMAT_YUV420P || format == FORMAT_YUV420SP ||
          format == FORMAT_YUV420SPVU || format == 8 || format == FORMAT_YUV422SP ||

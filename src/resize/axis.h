@@ -1,13 +1,11 @@
 // Where the samples of a destination axis lie on the source axis. The mapping is
-// corner-aligned: first on first, last on last, evenly in between. Positions have
-// 32 fraction bits.
+// aligned at the corners: the first sample lies on the first, the last on the last, and
+// the others evenly in between. Positions have 32 fraction bits.
 #ifndef ZELM_SRC_RESIZE_AXIS_H_
 #define ZELM_SRC_RESIZE_AXIS_H_
 
 #include <cstddef>
 #include <cstdint>
-
-#include "plane.h"
 
 namespace zelm {
 
@@ -24,35 +22,19 @@ struct Axis {
 
   size_t clamp(size_t index) const { return index < last ? index : last; }
 
-  // The nearest sample.
+  // Returns the nearest sample.
   size_t nearest(size_t i) const {
     return clamp(static_cast<size_t>((UINT64_C(0x80000000) + i * step) >> 32));
   }
 
-  // The sample at or before the position, and the position's distance from it in
-  // 1/256, rounded: 0 to 256.
+  // Return the sample at or before the position, and the distance of the position from
+  // it in 1/256, rounded: 0 to 256.
   size_t before(size_t i) const { return static_cast<size_t>((i * step) >> 32); }
   unsigned weight(size_t i) const {
     const uint64_t fraction = (i * step) & 0xFFFFFFFF;
     return static_cast<unsigned>((fraction + (1 << 23)) >> 24);
   }
 };
-
-// Destination rows are taken in strips of so many bytes, so that tables and filtered
-// rows fit on a small stack.
-constexpr size_t kStripBytes = 2048;
-
-// What every scaler does before it scales: nothing out of nothing, and equal extents
-// are a copy.
-template <class Kernel>
-void scalePlane(Kernel* kernel, const Region& to, const Region& from, size_t sample) {
-  if (from.empty()) return;
-  if (to.columns == from.columns && to.rows == from.rows) {
-    copyRows(to, from, to.rows, to.columns * sample);
-  } else {
-    kernel(to, from);
-  }
-}
 
 }  // namespace zelm
 

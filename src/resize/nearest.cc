@@ -1,12 +1,11 @@
-// Nearest-neighbour scaling of a luma plane or of whole chroma pairs. The source
-// columns are the same for all rows, so they are found once per strip.
+// Nearest-neighbour scaling of a luma plane or of whole chroma pairs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resize/nearest.cc"
 #include "simd/each_target.h"  // before all others
 
 #include "plane.h"
-#include "resize/axis.h"
-#include "resize/picks-inl.h"
+#include "resize/scale_plane.h"
+#include "resize/scaler-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
@@ -16,108 +15,81 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// A strip of destination bytes from `first` on; kSample bytes make a sample.
-template <size_t kSample>
-struct Strip {
-  const Axis& across;
-  size_t first;
-  size_t bytes;
+template <size_t kSampleBytes>
+struct Nearest {
+  static constexpr size_t kSample = kSampleBytes, kTaps = 1, kPicks = 1,
+                          kStrip = kStripBytes;
 
-  size_t sourceByte(size_t i) const {
-    return across.nearest((first + i) / kSample) * kSample + (first + i) % kSample;
-  }
-};
-
-template <size_t kSample>
-class PlainColumns {
- public:
-  explicit PlainColumns(const Strip<kSample>& strip) : samples_(strip.bytes / kSample) {
-    for (size_t i = 0; i < samples_; ++i) {
-      position_[i] = static_cast<uint32_t>(strip.sourceByte(i * kSample));
-    }
+  struct Tap {
+    size_t position;
+    size_t lowest() const { return position; }
+  };
+  static HWY_INLINE Tap tapOf(const Axis& across, size_t byte) {
+    return {across.nearest(byte / kSample) * kSample + byte % kSample};
   }
 
-  void pickRow(uint8_t* to, const uint8_t* from, const uint8_t*) const {
-    for (size_t i = 0; i < samples_; ++i) {
-      std::memcpy(to + i * kSample, from + position_[i], kSample);
-    }
-  }
+  struct RowTap {
+    size_t row[1];
+    HWY_INLINE RowTap(const Axis& down, size_t y) : row{down.nearest(y)} {}
+  };
 
- private:
-  size_t samples_;
-  uint32_t position_[kStripBytes / kSample];
-};
+  class PlainColumns {
+   public:
+    static constexpr bool kDirect = true, kKept = false;
 
-#if ZELM_VECTORS
-template <size_t kPieces>
-class VectorColumns {
- public:
-  template <size_t kSample>
-  VectorColumns(const Strip<kSample>& strip, size_t rowBytes) : bytes_(strip.bytes) {
-    for (size_t v = 0; v < vectorsFor(bytes_); ++v) {
-      const size_t start = vectorStart(v, bytes_);
-      for (size_t i = 0; i < kBytes; ++i) {
-        const size_t position = strip.sourceByte(start + i);
-        if (i % kPieceBytes == 0) picks_[v].place(i / kPieceBytes, position, rowBytes);
-        picks_[v].set(i, position);
+    PlainColumns(const Axis& across, size_t first, size_t bytes, size_t)
+        : samples_(bytes / kSample) {
+      for (size_t i = 0; i < samples_; ++i) {
+        position_[i] =
+            static_cast<uint32_t>(tapOf(across, first + i * kSample).position);
       }
     }
-  }
 
-  // `next` is the row that will be picked from next, or null.
-  HWY_INLINE void pickRow(uint8_t* to, const uint8_t* from, const uint8_t* next) const {
-    const size_t bytes = bytes_, vectors = vectorsFor(bytes);
-    for (size_t v = 0; v < vectors; ++v) {
-      if (next != nullptr) picks_[v].prefetch(next);
-      store(picks_[v].pick(from), to + vectorStart(v, bytes));
+    void makeRow(uint8_t* to, const uint8_t* const (&rows)[1], const RowTap&,
+                 const uint8_t*) const {
+      const uint8_t* from = rows[0];
+      for (size_t i = 0; i < samples_; ++i) {
+        std::memcpy(to + i * kSample, from + position_[i], kSample);
+      }
     }
-  }
 
- private:
-  size_t bytes_;
-  Picks<kPieces> picks_[kStripBytes / kBytes];
-};
-#endif
+   private:
+    size_t samples_;
+    uint32_t position_[kStrip / kSample];
+  };
 
-template <size_t kSample>
-struct Scaler : Planes {
-  using Planes::Planes;
-
-  HWY_INLINE void plain(size_t first, size_t bytes) const {
-    scaleStrip(PlainColumns<kSample>({across, first, bytes}), first, bytes);
-  }
 #if ZELM_VECTORS
   template <size_t kPieces>
-  HWY_INLINE void vectors(size_t first, size_t bytes) const {
-    const VectorColumns<kPieces> columns(Strip<kSample>{across, first, bytes},
-                                         from.columns * kSample);
-    scaleStrip(columns, first, bytes);
-  }
-#endif
-
-  template <class Columns>
-  HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
-    const bool reducing = to.rows < from.rows;
-    size_t previous = SIZE_MAX;
-    for (size_t y = 0; y < to.rows; ++y) {
-      uint8_t* row = to.row(y) + first;
-      const size_t source = down.nearest(y);
-      if (source == previous) {
-        copyBytes(row, row - to.stride, bytes);
-      } else {
-        const uint8_t* next = from.row(down.nearest(y + 1));
-        columns.pickRow(row, from.row(source), reducing ? next : nullptr);
-      }
-      previous = source;
+  struct Unit : Picks<kPieces> {
+    HWY_INLINE void set(size_t lane, const Tap& tap) {
+      Picks<kPieces>::set(lane, tap.position);
     }
-  }
+  };
+
+  template <size_t kPieces>
+  struct VectorColumns : UnitTables<Nearest, Unit<kPieces>> {
+    using UnitTables<Nearest, Unit<kPieces>>::UnitTables;
+    static constexpr bool kDirect = true, kKept = false;
+
+    HWY_INLINE void makeRow(uint8_t* to, const uint8_t* const (&rows)[1], const RowTap&,
+                            const uint8_t* next) const {
+      const uint8_t* from = rows[0];
+      const Unit<kPieces>* unit = this->units_;
+      inBlocks(this->bytes_, kBytes, [&](size_t i) HWY_ATTR {
+        if (next != nullptr) unit->prefetch(next);
+        store(unit->pick(from), to + i);
+        ++unit;
+      });
+    }
+  };
+#endif
 };
 
 void scaleLuma(const Region& to, const Region& from) {
-  scaleInStrips<1>(Scaler<1>(to, from), kStripBytes, 1, 1);
+  Scaler<Nearest<1>>(to, from).scale();
 }
 void scaleChroma(const Region& to, const Region& from) {
-  scaleInStrips<2>(Scaler<2>(to, from), kStripBytes, 1, 1);
+  Scaler<Nearest<2>>(to, from).scale();
 }
 
 }  // namespace HWY_NAMESPACE

@@ -1,6 +1,6 @@
-// A luma region turned by a quarter turn: D(x, y) = S(y, H - 1 - x) clockwise,
-// S(W - 1 - y, x) counter-clockwise. Both are transpositions that walk the source
-// rows, or the destination rows, backwards.
+// Turns a luma region by a quarter turn: D(x, y) = S(y, H - 1 - x) clockwise, and
+// S(W - 1 - y, x) counter-clockwise. Both are transpositions; one walks the source rows
+// backwards, the other the destination rows.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rotate/quarter_turn.cc"
 #include "simd/each_target.h"  // before all others
@@ -19,8 +19,8 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// to(x, y) = from(y, x) for `columns` x `rows` samples of the destination; strides are
-// signed.
+// Transposes `columns` x `rows` samples of the destination one by one: to(x, y) =
+// from(y, x). Strides are signed.
 HWY_INLINE void transposePart(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
                               ptrdiff_t fromStride, size_t columns, size_t rows) {
   for (size_t y = 0; y < rows; ++y) {
@@ -34,7 +34,11 @@ HWY_INLINE void transposePart(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
 #if ZELM_VECTORS && !ZELM_ARMV7
 constexpr size_t kTileColumns = kBytes;
 
-// Interleaving rows i and i + 8 four times transposes 16 x 16 bytes.
+// Interleaving rows i and i + 8 four times transposes 16 x 16 bytes. The first time:
+//   row 0    a0 a1 a2 ...          row 0    a0 i0 a1 i1 a2 i2 ...  (lower halves)
+//   row 8    i0 i1 i2 ...   gives  row 1    a8 i8 a9 i9 ...        (upper halves)
+// Each time the top bit of a byte's row number becomes the bottom bit of its column
+// number, and the other way round.
 HWY_INLINE void interleaveHalves(const Vec<U8> (&in)[16], Vec<U8> (&out)[16]) {
   for (size_t i = 0; i < 8; ++i) {
     out[2 * i] = hn::InterleaveLower(u8, in[i], in[i + 8]);
@@ -42,7 +46,8 @@ HWY_INLINE void interleaveHalves(const Vec<U8> (&in)[16], Vec<U8> (&out)[16]) {
   }
 }
 
-// 16 rows of kBytes samples; block b of a vector transposes source rows from 16 b on.
+// Makes 16 rows of kBytes samples. Block b of a vector transposes the source rows from
+// 16 b on.
 HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
                               ptrdiff_t fromStride) {
   Vec<U8> a[16], b[16];
@@ -61,12 +66,12 @@ HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
 }
 #endif
 
-// One band of at most 64 destination rows.
+// Transposes one band of at most 64 destination rows.
 void transposeBand(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
                    ptrdiff_t fromStride, size_t columns, size_t rows) {
   size_t doneRows = 0;
 #if ZELM_VECTORS
-  // Tiles that go down the band first use up whole cache lines of the source.
+  // Tiles go down the band first, so that whole cache lines of the source are used up.
   if (rows >= 16) {
     doneRows = rows;
     const size_t doneColumns = inBlocks(columns, kTileColumns, [&](size_t x) HWY_ATTR {
@@ -91,7 +96,7 @@ HWY_AFTER_NAMESPACE();
 namespace zelm {
 namespace {
 
-// to(x, y) = from(y, x), in bands whose source columns fill a cache line.
+// Transposes in bands whose source columns fill a cache line.
 void transpose(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
                ptrdiff_t fromStride, size_t columns, size_t rows) {
   constexpr size_t kBand = 64;

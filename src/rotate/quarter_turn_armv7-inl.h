@@ -4,7 +4,10 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// Every second lane of a changes places with the lane before it of b.
+// Transposes blocks of 2 x 2 lanes: every odd lane of a changes places with the even
+// lane of b before it.
+//   a   a0 a1 a2 a3 ...          a   a0 b0 a2 b2 ...
+//   b   b0 b1 b2 b3 ...   gives  b   a1 b1 a3 b3 ...
 template <class Lanes, class Transpose>
 HWY_INLINE void transposePairs(Transpose transpose, uint8x16_t& a, uint8x16_t& b) {
   const auto both = transpose(reinterpret_cast<Lanes>(a), reinterpret_cast<Lanes>(b));
@@ -12,7 +15,7 @@ HWY_INLINE void transposePairs(Transpose transpose, uint8x16_t& a, uint8x16_t& b
   b = reinterpret_cast<uint8x16_t>(both.val[1]);
 }
 
-// 16 rows of 8 samples: as many as fit in the registers.
+// A tile makes 16 rows of 8 samples, as many as fit in the registers.
 constexpr size_t kTileColumns = 8;
 
 HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
@@ -22,7 +25,8 @@ HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
     row = vld1q_u8(from);
     from += fromStride;
   }
-  // Blocks of 2 x 2 are transposed, then blocks of 2 x 2 of those, then of these.
+  // Blocks of 2 x 2 bytes are transposed, then 2 x 2 of those blocks, then 2 x 2 of the
+  // larger ones.
   transposePairs<uint8x16_t>(vtrnq_u8, v[0], v[1]);
   transposePairs<uint8x16_t>(vtrnq_u8, v[2], v[3]);
   transposePairs<uint8x16_t>(vtrnq_u8, v[4], v[5]);

@@ -1,4 +1,4 @@
-// A luma region copied, or turned by half a turn.
+// Copies a luma region, or turns it by half a turn.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rotate/upright.cc"
 #include "simd/each_target.h"  // before all others
@@ -37,7 +37,8 @@ HWY_INLINE size_t reverseBlocks(D d, uint8_t* to, const uint8_t* from, size_t by
 }
 
 HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
-  // Wider blocks, read downwards, are slower until the caches near by are outgrown.
+  // Wider blocks that are read downwards are slower, until rows outgrow the first two
+  // levels of cache.
   if (bytes >= size_t{3} << 20) {
     return reverseBlocks(hn::CappedTag<uint8_t, 32>(), to, from, bytes);
   }

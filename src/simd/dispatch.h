@@ -1,6 +1,6 @@
-// ZELM_KERNEL(name): the function `name` of the instruction set to run with, out of
-// those that simd/each_target.h has compiled, and with VBMI where the file asks for it.
-// To be used under #if HWY_ONCE.
+// ZELM_KERNEL(name) is the function `name` of the instruction set to run with, out of
+// those that simd/each_target.h has compiled, and that of VBMI where the file ends with
+// simd/vbmi_pass.h. It is used under #if HWY_ONCE.
 #ifndef ZELM_SRC_SIMD_DISPATCH_H_
 #define ZELM_SRC_SIMD_DISPATCH_H_
 
@@ -54,8 +54,8 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
 
 namespace zelm {
 
-// The compiler is not to know which function it is: inlined into the loop over rows a
-// kernel would have to share its registers.
+// Hides from the compiler which function it is: a kernel that is inlined into the loop
+// over rows has to share its registers.
 template <class Kernel>
 Kernel* asFunction(Kernel* kernel) {
   asm("" : "+r"(kernel));

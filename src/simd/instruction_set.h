@@ -4,8 +4,8 @@
 
 namespace zelm {
 
-// In rising order. On processors other than x86-64 the choice is made when the
-// library is compiled, and only the last one counts.
+// The sets in rising order. On processors other than x86-64 the choice is made when the
+// library is compiled, and this one is not looked at.
 enum class InstructionSet { kPlain, kSse4, kAvx2, kAvx512, kAvx512Vbmi };
 
 // What the processor and the operating system offer.

@@ -80,8 +80,12 @@ inline uint16x8_t narrowUpper(uint32x4_t a, uint32x4_t b) {
 
 // Sums of neighbouring lanes, of a's first, then of b's.
 inline uint16x8_t addNeighbours(uint16x8_t a, uint16x8_t b) {
+#if defined(__aarch64__)
+  return vpaddq_u16(a, b);
+#else
   return vcombine_u16(vpadd_u16(vget_low_u16(a), vget_high_u16(a)),
                       vpadd_u16(vget_low_u16(b), vget_high_u16(b)));
+#endif
 }
 // Sums of 2 x 2 bytes: of neighbours in a, and below them in b.
 inline uint16x8_t addBlocks(uint8x16_t a, uint8x16_t b) {

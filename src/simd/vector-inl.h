@@ -42,7 +42,7 @@ namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS
 
-// Reorders 4-byte groups; `order` is for vectors of two and of four blocks.
+// Reorders groups of 4 bytes, by an order for vectors of two and one for four blocks.
 HWY_INLINE Vec<U8> permuteGroups(Vec<U8> v, const uint32_t (&two)[8],
                                  const uint32_t (&four)[16]) {
   if (kBlocks == 1) return v;
@@ -50,8 +50,9 @@ HWY_INLINE Vec<U8> permuteGroups(Vec<U8> v, const uint32_t (&two)[8],
   return asU8(hn::TableLookupLanes(hn::BitCast(u32, v), order));
 }
 
-// As joinBlocks after narrowing twice: a block holds four bytes of each of four
-// vectors.
+// Does what joinBlocks does after vectors a to d were narrowed twice. A block then
+// holds four bytes of each of them, as here with two blocks:
+//   a0 b0 c0 d0 | a1 b1 c1 d1   gives   a0 a1 b0 b1 | c0 c1 d0 d1
 HWY_INLINE Vec<U8> joinTwice(Vec<U8> v) {
   alignas(64) static constexpr uint32_t kTwo[8] = {0, 4, 1, 5, 2, 6, 3, 7};
   alignas(64) static constexpr uint32_t kFour[16] = {0, 4, 8,  12, 1, 5, 9,  13,
@@ -59,8 +60,9 @@ HWY_INLINE Vec<U8> joinTwice(Vec<U8> v) {
   return permuteGroups(v, kTwo, kFour);
 }
 
-// The opposite: reorders so that interleaving in blocks, once or twice, gives results
-// in the order of memory.
+// Does the opposite: reorders so that interleaving in blocks, once or twice, gives
+// results in the order of memory. With two blocks of four groups of 4 bytes:
+//   0 1 2 3 | 4 5 6 7   gives   0 1 4 5 | 2 3 6 7 (once), 0 2 4 6 | 1 3 5 7 (twice)
 HWY_INLINE Vec<U8> splitBlocks(Vec<U8> v) {
   alignas(64) static constexpr uint32_t kTwo[8] = {0, 1, 4, 5, 2, 3, 6, 7};
   alignas(64) static constexpr uint32_t kFour[16] = {0, 1, 8,  9,  2, 3, 10, 11,
@@ -74,14 +76,14 @@ HWY_INLINE Vec<U8> splitTwice(Vec<U8> v) {
   return permuteGroups(v, kTwo, kFour);
 }
 
-// int16 lanes that alternate between two weights, for pairProducts.
+// Makes int16 lanes that alternate between two weights, for pairProducts.
 HWY_INLINE Vec<I16> alternate(int even, int odd) {
   const uint32_t pair =
       static_cast<uint32_t>(even & 0xFFFF) | static_cast<uint32_t>(odd) << 16;
   return hn::BitCast(i16, hn::Set(u32, pair));
 }
 
-// The upper halves of 32-bit lanes: in each lane a's below b's.
+// Takes the upper halves of 32-bit lanes. In each lane a's lies below b's.
 HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
   const Vec<I32> moved = hn::BitCast(i32, hn::ShiftRight<16>(hn::BitCast(u32, a)));
   return hn::OddEven(asI16(b), asI16(moved));

@@ -52,7 +52,7 @@ HWY_INLINE Vec<U8> pickInBlocks(Vec<U8> v, Vec<U8> index) {
 HWY_INLINE Vec<U8> pickBeside(Vec<U8> others, Vec<U8> v, Vec<U8> index) {
   return Vec<U8>{lookUpOr(others.raw, v.raw, index.raw)};
 }
-// The same with an index of 0 to 31 into a and then b.
+// Byte shuffles of two vectors, by an index of 0 to 31 into a and then b.
 HWY_INLINE Vec<U8> pickFromTwo(Vec<U8> a, Vec<U8> b, Vec<U8> index) {
   return Vec<U8>{lookUp(a.raw, b.raw, index.raw)};
 }
@@ -74,7 +74,7 @@ HWY_INLINE SplitPairs loadPairs(const uint8_t* from) {
   return pairs;
 }
 
-// The upper halves of lanes, rounded; a's, then b's.
+// Rounds to the upper halves of lanes: a's first, then b's.
 HWY_INLINE Vec<U16> roundedUpperHalves(Vec<U32> a, Vec<U32> b) {
   return Vec<U16>{narrowUpper(a.raw, b.raw)};
 }

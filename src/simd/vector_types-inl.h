@@ -19,7 +19,7 @@ namespace zelm {
 namespace {
 namespace HWY_NAMESPACE {
 
-// Calls body(i) for blocks of `block` items, the last one moved back so that it ends
+// Calls body(i) for blocks of `block` items. The last one is moved back so that it ends
 // at `count`. Returns the number of items done: all, or 0 if there is no whole block.
 template <class Body>
 HWY_INLINE size_t inBlocks(size_t count, size_t block, const Body& body) {
@@ -51,7 +51,7 @@ constexpr I8 i8;
 constexpr I16 i16;
 constexpr I32 i32;
 
-// Bytes in a vector, and in 128-bit blocks.
+// The bytes of a vector, and its blocks of 128 bits.
 constexpr size_t kBytes = HWY_LANES(uint8_t);
 constexpr size_t kBlocks = kBytes / 16;
 

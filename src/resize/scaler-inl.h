@@ -1,0 +1,208 @@
+// The frame of the scalers: strips of columns, tables of where their bytes come from,
+// and rows that are filtered once and kept. Included once per instruction set, by a
+// file that defines a scaling method, which is a class M with
+//
+//   kSample   the bytes of a sample
+//   kTaps     how many samples, side by side, make one in each direction
+//   kPicks    how many bytes vectors pick for each destination byte: 1 or 2
+//   kStrip    the destination bytes that are made of every row at a time
+//   Filtered  the numbers of a filtered row
+//
+//   tapOf(axis, byte)  where a byte of a destination row comes from; its lowest()
+//                      is the first of the source bytes that it is made of
+//   RowTap(axis, y)    the source rows of a destination row, row[kTaps], and weights
+//   PlainColumns, VectorColumns<pieces>
+//                      what is known of the columns of a strip, constructed with the
+//                      axis, the strip's first byte, its bytes, a source row's bytes
+//
+// Columns make a row of their strip by makeRow(to, rows, tap, next), where rows are
+// source rows if kDirect, filtered rows if kKept, either if both. `next` is the source
+// row that the next destination row begins with, or null if it need not be prefetched.
+// A source row is filtered by filterRow(to, from).
+#if ZELM_VBMI || defined(ZELM_SRC_RESIZE_SCALER_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#if !ZELM_VBMI
+#ifdef ZELM_SRC_RESIZE_SCALER_INL_H_
+#undef ZELM_SRC_RESIZE_SCALER_INL_H_
+#else
+#define ZELM_SRC_RESIZE_SCALER_INL_H_
+#endif
+#endif
+
+#include <utility>
+
+#include "plane.h"
+#include "resize/axis.h"
+#include "resize/picks-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zelm {
+namespace {
+namespace HWY_NAMESPACE {
+
+// The bytes of a strip, such that tables and filtered rows fit on a small stack.
+constexpr size_t kStripBytes = 2048;
+
+#if ZELM_VECTORS
+// The tables of a strip. A vector is picked in M::kPicks units, and a unit makes kBytes
+// / M::kPicks destination bytes. Group by group a unit is told where its lowest byte
+// lies, by place(group, lowest, rowBytes), and the tap of each lane, by set(lane, tap).
+template <class M, class Unit>
+class UnitTables {
+ public:
+  UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes)
+      : bytes_(bytes) {
+    constexpr size_t kLanes = kPieceBytes / M::kPicks;  // of a group
+    for (size_t u = 0; u < M::kPicks * vectorsFor(bytes); ++u) {
+      const size_t start = first + vectorStart(u / M::kPicks, bytes);
+      for (size_t lane = 0; lane < kGroups * kLanes; lane += kLanes) {
+        decltype(M::tapOf(across, 0)) taps[kLanes];
+        size_t lowest = SIZE_MAX;
+        for (size_t i = 0; i < kLanes; ++i) {
+          const size_t byte =
+              M::kPicks == 1 ? lane + i : byteOfLane(u % M::kPicks, lane + i);
+          taps[i] = M::tapOf(across, start + byte);
+          if (taps[i].lowest() < lowest) lowest = taps[i].lowest();
+        }
+        units_[u].place(lane / kLanes, lowest, rowBytes);
+        for (size_t i = 0; i < kLanes; ++i) units_[u].set(lane + i, taps[i]);
+      }
+    }
+  }
+
+ protected:
+  size_t bytes_;
+  Unit units_[M::kPicks * M::kStrip / kBytes];
+};
+#endif  // ZELM_VECTORS
+
+// The source rows of a strip as they are.
+class SourceRows {
+ public:
+  explicit SourceRows(const Region& from) : from_(from) {}
+
+  HWY_INLINE const uint8_t* get(size_t y) const { return from_.row(y); }
+
+ private:
+  const Region& from_;
+};
+
+// The last filtered rows of a strip. Row y is kept in place y mod kTaps, so the rows of
+// one destination row, being neighbours, never push each other out, and when a plane is
+// enlarged every source row is filtered once.
+template <class M, class Columns>
+class FilteredRows {
+ public:
+  using Filtered = typename M::Filtered;
+
+  FilteredRows(const Region& from, const Columns& columns)
+      : from_(from), columns_(columns) {
+    for (size_t& index : index_) index = SIZE_MAX;
+  }
+
+  HWY_INLINE const Filtered* get(size_t y) {
+    Filtered* row = rows_[y % M::kTaps];
+    if (index_[y % M::kTaps] != y) {
+      columns_.filterRow(row, from_.row(y));
+      index_[y % M::kTaps] = y;
+    }
+    return row;
+  }
+
+ private:
+  const Region& from_;
+  const Columns& columns_;
+  alignas(64) Filtered rows_[M::kTaps][M::kStrip];
+  size_t index_[M::kTaps];
+};
+
+template <class M>
+class Scaler {
+ public:
+  Scaler(const Region& to, const Region& from)
+      : to_(to),
+        from_(from),
+        across_(from.columns, to.columns),
+        down_(from.rows, to.rows) {}
+
+  HWY_INLINE void scale() const {
+    const size_t rowBytes = to_.columns * M::kSample;
+    for (size_t first = 0; first < rowBytes; first += M::kStrip) {
+      const size_t end = first + M::kStrip < rowBytes ? first + M::kStrip : rowBytes;
+      scaleColumns(first, end - first);
+    }
+  }
+
+ private:
+  // Vectors are used if rows are long enough for them and sources lie close enough
+  // together.
+  HWY_INLINE void scaleColumns(size_t first, size_t bytes) const {
+    const size_t sourceBytes = from_.columns * M::kSample;
+#if ZELM_VECTORS
+    const size_t span = spanOf<M::kSample>(across_, kPieceBytes / M::kPicks, M::kTaps);
+    if (bytes >= kBytes && sourceBytes >= kPieceBytes &&
+        withPieces(span, [&](auto pieces) HWY_ATTR {
+          using Columns = typename M::template VectorColumns<pieces>;
+          scaleStrip(Columns(across_, first, bytes, sourceBytes), first, bytes);
+        })) {
+      return;
+    }
+#endif
+    scaleStrip(typename M::PlainColumns(across_, first, bytes, sourceBytes), first,
+               bytes);
+  }
+
+  // Where reducing leaves little of a filtered row to use again, none is kept.
+  template <class Columns>
+  HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
+    if constexpr (Columns::kDirect) {
+      if (!Columns::kKept || 2 * from_.rows >= 3 * to_.rows) {
+        makeRows(SourceRows(from_), columns, first, bytes);
+        return;
+      }
+    }
+    if constexpr (Columns::kKept) {
+      makeRows(FilteredRows<M, Columns>(from_, columns), columns, first, bytes);
+    }
+  }
+
+  template <class Rows, class Columns>
+  HWY_INLINE void makeRows(Rows&& rows, const Columns& columns, size_t first,
+                           size_t bytes) const {
+    const bool reducing = to_.rows < from_.rows;
+    size_t previous = SIZE_MAX;
+    typename M::RowTap tap(down_, 0);
+    for (size_t y = 0; y < to_.rows; ++y) {
+      uint8_t* row = to_.row(y) + first;
+      const typename M::RowTap next(down_, y + 1 < to_.rows ? y + 1 : y);
+      if (M::kTaps == 1 && tap.row[0] == previous) {
+        copyBytes(row, row - to_.stride, bytes);
+      } else {
+        const uint8_t* ahead = reducing ? from_.row(next.row[0]) : nullptr;
+        makeRow(rows, columns, row, tap, ahead, std::make_index_sequence<M::kTaps>());
+      }
+      previous = tap.row[0];
+      tap = next;
+    }
+  }
+
+  // The rows are taken one by one, not in a loop, so that their addresses stay in
+  // registers.
+  template <class Rows, class Columns, size_t... kTap>
+  static HWY_INLINE void makeRow(Rows&& rows, const Columns& columns, uint8_t* to,
+                                 const typename M::RowTap& tap, const uint8_t* ahead,
+                                 std::index_sequence<kTap...>) {
+    decltype(rows.get(0)) const taken[] = {rows.get(tap.row[kTap])...};
+    columns.makeRow(to, taken, tap, ahead);
+  }
+
+  const Region& to_;
+  const Region& from_;
+  const Axis across_, down_;
+};
+
+}  // namespace HWY_NAMESPACE
+}  // namespace
+}  // namespace zelm
+HWY_AFTER_NAMESPACE();
+
+#endif  // include guard
