@@ -103,7 +103,7 @@ measure_peers() {
 
 measure_sets() {
   local name slow
-  name=$(kind)-instruction-sets
+  name="$(kind)-instruction-sets"
   measure "$name" sets --sets
   for _ in once twice; do
     slow=$(awk -v marked=1 -f bench/sets_table.awk "build-bench/$name.csv")
