@@ -105,6 +105,9 @@ struct Bilinear {
   };
 
 #if ZELM_VECTORS
+  // When halving, left and right samples side by side are the bytes of the row in their
+  // order, but for the few vectors in which a position moves on by 3 samples.
+  //
   // A weight of 256 is no byte, so where one sample counts alone it is taken twice,
   // with 128 each.
   template <size_t kPieces>
@@ -112,16 +115,25 @@ struct Bilinear {
     HWY_INLINE void set(size_t lane, const Tap& tap) {
       const size_t left = leftPlace(lane), right = left + kRightPlace;
       const bool alone = tap.weight % 256 == 0;
-      Picks<kPieces>::set(left, tap.weight == 256 ? tap.right() : tap.left);
-      Picks<kPieces>::set(right, tap.weight == 0 ? tap.left : tap.right());
+      const size_t leftAt = tap.weight == 256 ? tap.right() : tap.left;
+      const size_t rightAt = tap.weight == 0 ? tap.left : tap.right();
+      Picks<kPieces>::set(left, leftAt);
+      Picks<kPieces>::set(right, rightAt);
+      if (kMayRun) {
+        run = (lane == 0 || run) && this->isInRun(left, leftAt) &&
+              this->isInRun(right, rightAt);
+      }
       weights[left] = static_cast<uint8_t>(alone ? 128 : 256 - tap.weight);
       weights[right] = static_cast<uint8_t>(alone ? 128 : tap.weight);
     }
 
     HWY_INLINE auto filter(const uint8_t* from) const {
-      return filterSamples(this->pick(from), weights);
+      const bool load = kMayRun && run;
+      return filterSamples(load ? this->loadRun(from) : this->pick(from), weights);
     }
 
+    static constexpr bool kMayRun = kRuns && kSample == 1 && kPieces == 2;
+    bool run;  // whether the unit is loaded without a shuffle
     alignas(64) uint8_t weights[kBytes];
   };
 

@@ -27,10 +27,10 @@ namespace HWY_NAMESPACE {
 // which are averaged separately.
 template <size_t kFactor, size_t kSample>
 HWY_INLINE void averageRow(uint8_t* to, const uint8_t* from, size_t stride,
-                           size_t bytes) {
+                           size_t bytes, [[maybe_unused]] const uint8_t* next) {
   size_t done = 0;
 #if ZELM_VECTORS
-  done = averageBlocks<kFactor, kSample>(to, from, stride, bytes);
+  done = averageBlocks<kFactor, kSample>(to, from, stride, bytes, next);
 #endif
   for (size_t i = done; i < bytes; ++i) {
     const uint8_t* block = from + i / kSample * kFactor * kSample + i % kSample;
@@ -42,17 +42,21 @@ HWY_INLINE void averageRow(uint8_t* to, const uint8_t* from, size_t stride,
   }
 }
 
-void lumaBy2(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes) {
-  averageRow<2, 1>(to, from, stride, bytes);
+void lumaBy2(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+             const uint8_t* next) {
+  averageRow<2, 1>(to, from, stride, bytes, next);
 }
-void chromaBy2(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes) {
-  averageRow<2, 2>(to, from, stride, bytes);
+void chromaBy2(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+               const uint8_t* next) {
+  averageRow<2, 2>(to, from, stride, bytes, next);
 }
-void lumaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes) {
-  averageRow<4, 1>(to, from, stride, bytes);
+void lumaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+             const uint8_t* next) {
+  averageRow<4, 1>(to, from, stride, bytes, next);
 }
-void chromaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes) {
-  averageRow<4, 2>(to, from, stride, bytes);
+void chromaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+               const uint8_t* next) {
+  averageRow<4, 2>(to, from, stride, bytes, next);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -64,12 +68,14 @@ HWY_AFTER_NAMESPACE();
 namespace zelm {
 namespace {
 
-using AverageRow = void(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes);
+using AverageRow = void(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+                        const uint8_t* next);
 
 void averagePlane(AverageRow* average, const Region& to, const Region& from,
                   size_t factor, size_t sample) {
   for (size_t y = 0; y < to.rows; ++y) {
-    average(to.row(y), from.row(factor * y), from.stride, to.columns * sample);
+    const uint8_t* next = y + 1 < to.rows ? from.row(factor * (y + 1)) : nullptr;
+    average(to.row(y), from.row(factor * y), from.stride, to.columns * sample, next);
   }
 }
 

@@ -73,7 +73,7 @@ HWY_INLINE void averageBlock(uint8_t*& to, Rows<kFactor, kSample>& rows) {
 
 template <size_t kFactor, size_t kSample>
 HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, size_t stride,
-                                size_t bytes) {
+                                size_t bytes, const uint8_t*) {
   if (bytes < kBlock<kFactor>) return 0;
   Rows<kFactor, kSample> rows(from, stride);
   size_t left = bytes;

@@ -31,6 +31,10 @@ namespace HWY_NAMESPACE {
 constexpr size_t kPieceBytes = ZELM_VBMI ? kBytes : 16;
 constexpr size_t kGroups = kBytes / kPieceBytes;
 
+// Whether it pays to look for runs, which are loaded without a shuffle. Where one
+// lookup takes from two pieces the branch costs more.
+constexpr bool kRuns = !ZELM_VBMI && !ZELM_NEON;
+
 // What a vector is made of: where the pieces of each of its groups begin, and for each
 // of kLookups lookups which bytes they give.
 template <size_t kPieces, size_t kLookups>
@@ -51,6 +55,15 @@ class PickTable {
   HWY_INLINE void prefetch(const uint8_t* row) const {
     __builtin_prefetch(row + starts_[0][0]);
     if (kBytes > 16) __builtin_prefetch(row + starts_[kPieces - 1][kGroups - 1]);
+  }
+
+  // A run is made of first pieces as they are: byte i of the vector lies i bytes behind
+  // the start of its piece.
+  HWY_INLINE bool isInRun(size_t i, size_t position) const {
+    return position == starts_[0][i / kPieceBytes] + i % kPieceBytes;
+  }
+  HWY_INLINE Vec<U8> loadRun(const uint8_t* row) const {
+    return loadBlocks([&](size_t block) HWY_ATTR { return row + starts_[0][block]; });
   }
 
  protected:
