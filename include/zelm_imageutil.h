@@ -218,7 +218,7 @@ ZELM_LAYOUT_ASSERT(sizeof(ImageStruct) == (sizeof(void *) == 4 ? 80 : 88));
 
 /* -------------------------------------------------------- how large, and where
  *
- * These two are plain inline functions: the library exports nothing for them.
+ * These three are plain inline functions: the library exports nothing for them.
  */
 typedef struct ZelmFrameLayout {
   size_t size;       /* bytes in the buffer; 0: no such frame */

@@ -4,20 +4,16 @@
 #define HWY_TARGET_INCLUDE "convert/chroma_422.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/chroma_422_neon-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_NEON
-#include "convert/chroma_422_neon-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS && !ZELM_NEON
 // The instruction for a mean rounds up, so the complements are averaged.
@@ -68,19 +64,18 @@ void expandRowSwapped(uint8_t* even, uint8_t* odd, const uint8_t* row,
                                                             bytes);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace zelm {
-namespace {
 
 using ExpandRow = void(uint8_t* even, uint8_t* odd, const uint8_t* row,
                        const uint8_t* next, size_t bytes, bool stream);
 
-void expandFrame(const ImageStruct& dst, const ImageStruct& src, ExpandRow* expand) {
+static void expandFrame(const ImageStruct& dst, const ImageStruct& src,
+                        ExpandRow* expand) {
   const Region luma = lumaRegion(src), lumaTo = lumaRegion(dst);
   copyRows(lumaTo, luma, luma.rows, luma.columns);
 
@@ -97,7 +92,6 @@ void expandFrame(const ImageStruct& dst, const ImageStruct& src, ExpandRow* expa
   if (stream) finishStreaming();
 }
 
-}  // namespace
 }  // namespace zelm
 
 extern "C" void convYUV420SP_YUV422SP(ImageStruct* dst, ImageStruct* src) {

@@ -1,8 +1,11 @@
 // Chroma of 4:2:0 to 4:2:2 on Arm. Included by chroma_422.cc in each of its passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_NEON
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <bool kSwap, bool kStream>
 HWY_INLINE size_t expandBlocks(uint8_t* even, uint8_t* odd, const uint8_t* row,
@@ -26,7 +29,8 @@ HWY_INLINE size_t expandBlocks(uint8_t* even, uint8_t* odd, const uint8_t* row,
       [&](size_t n) HWY_ATTR { row -= n, next -= n, even -= n, odd -= n; });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

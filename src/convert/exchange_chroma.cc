@@ -9,9 +9,8 @@
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // No block is moved back to end with the row: it would exchange some bytes twice.
 void exchangePairsRow(uint8_t* row, size_t bytes) {
@@ -26,9 +25,8 @@ void exchangePairsRow(uint8_t* row, size_t bytes) {
   }
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

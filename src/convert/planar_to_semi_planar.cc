@@ -4,20 +4,16 @@
 #define HWY_TARGET_INCLUDE "convert/planar_to_semi_planar.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/planar_to_semi_planar_neon-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_NEON
-#include "convert/planar_to_semi_planar_neon-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS && !ZELM_NEON
 template <bool kStream>
@@ -48,9 +44,8 @@ void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
   (stream ? joinPairs<true> : joinPairs<false>)(to, first, second, pairs);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

@@ -1,9 +1,12 @@
 // Chroma planes interleaved on Arm. Included by planar_to_semi_planar.cc in each of its
 // passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_NEON
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <bool kStream>
 HWY_INLINE size_t joinPairsInBlocks(uint8_t* to, const uint8_t* first,
@@ -19,7 +22,8 @@ HWY_INLINE size_t joinPairsInBlocks(uint8_t* to, const uint8_t* first,
       [&](size_t n) HWY_ATTR { first -= n, second -= n, to -= 2 * n; });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

@@ -18,21 +18,16 @@
 #define HWY_TARGET_INCLUDE "convert/rgb565_in.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/rgb565_in_neon-inl.h"
+#include "convert/rgb565_in_x86-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_NEON
-#include "convert/rgb565_in_neon-inl.h"
-#elif ZELM_VECTORS
-#include "convert/rgb565_in_x86-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 struct Rgb {
   int r, g, b;
@@ -83,9 +78,8 @@ void rgb565Row(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t pixel
   }
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #include "simd/vbmi_pass.h"

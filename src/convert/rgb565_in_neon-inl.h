@@ -1,9 +1,12 @@
 // RGB565 to luma and chroma on Arm. Included by rgb565_in.cc, which says what is
 // computed, in each of its passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_NEON
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // The channels of 8 pixels.
 struct RgbLanes {
@@ -67,7 +70,8 @@ HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b)
                            centred(u, vmulq_n_s16(difference(red, green), 51))}};
   vst2_u8(chroma, vu);
 }
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

@@ -1,9 +1,12 @@
 // RGB565 to luma and chroma on x86. Included by rgb565_in.cc, which says what is
 // computed, in each of its passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_X86
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Two 8-bit values per 16-bit lane: R below G, and B below a constant factor.
 //   rg   R0 G0 R1 G1 ...
@@ -70,7 +73,8 @@ HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
 HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
   store(pack(chromaOf(a), chromaOf(b)), chroma);
 }
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_X86

@@ -4,20 +4,16 @@
 #define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/semi_planar_neon-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_NEON
-#include "convert/semi_planar_neon-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS && !ZELM_NEON
 HWY_INLINE size_t swapPairsInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
@@ -67,18 +63,16 @@ void splitPairsRow(uint8_t* first, uint8_t* second, const uint8_t* from, size_t 
   (stream ? splitPairs<true> : splitPairs<false>)(first, second, from, pairs);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace zelm {
-namespace {
 
-size_t roundUpTo16(size_t value) { return (value + 15) / 16 * 16; }
+static size_t roundUpTo16(size_t value) { return (value + 15) / 16 * 16; }
 
-void swapPlane(const Region& to, const Region& from) {
+static void swapPlane(const Region& to, const Region& from) {
   const auto swapRow = ZELM_KERNEL(swapPairsRow);
   const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
   for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
@@ -86,7 +80,7 @@ void swapPlane(const Region& to, const Region& from) {
 
 // Splits whole frames. The chroma rows of the planar side are padded to multiples of 16
 // bytes, its luma rows are not; the planes lie where padded luma rows would end.
-void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
+static void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   const size_t height = dst.height, pairs = dst.width / 2, rows = height / 2;
   const size_t lumaStride = roundUpTo16(dst.width);
   const size_t chromaStride = roundUpTo16(lumaStride / 2);
@@ -108,7 +102,6 @@ void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   if (stream) finishStreaming();
 }
 
-}  // namespace
 }  // namespace zelm
 
 extern "C" void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {

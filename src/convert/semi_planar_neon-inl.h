@@ -1,9 +1,12 @@
 // Chroma pairs exchanged or split on Arm. Included by semi_planar.cc in each of its
 // passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_NEON
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 HWY_INLINE size_t swapPairsInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
   return inMovingBlocks(
@@ -33,7 +36,8 @@ HWY_INLINE size_t splitPairsInBlocks(uint8_t* first, uint8_t* second,
       [&](size_t n) HWY_ATTR { from -= 2 * n, first -= n, second -= n; });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

@@ -8,19 +8,15 @@
 #define HWY_TARGET_INCLUDE "convert/tiled.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/tiled_armv7-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_ARMV7
-#include "convert/tiled_armv7-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // The one of the two planes that is written.
 template <bool kToTiled>
@@ -99,21 +95,19 @@ void tilesToChroma(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows)
   moveTiles<false, true, 8>(linear, tiled, columns, rows);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace zelm {
-namespace {
 
 using MoveTiles = void(uint8_t* linear, uint8_t* tiled, size_t columns, size_t rows);
 
 // Moves one plane of `columns` bytes, which is also the linear stride, by `rows` rows,
 // in tiles of 16 bytes by `tileRows` rows.
-void movePlane(MoveTiles* move, uint8_t* linear, uint8_t* tiled, size_t columns,
-               size_t rows, size_t tileRows) {
+static void movePlane(MoveTiles* move, uint8_t* linear, uint8_t* tiled, size_t columns,
+                      size_t rows, size_t tileRows) {
   const size_t tileRowBytes = (columns + 15) / 16 * 16 * tileRows;
   for (size_t y = 0; y < rows; y += tileRows) {
     const size_t left = rows - y;
@@ -122,7 +116,6 @@ void movePlane(MoveTiles* move, uint8_t* linear, uint8_t* tiled, size_t columns,
   }
 }
 
-}  // namespace
 }  // namespace zelm
 
 // The frame's size is the source region's. Source chroma is found by uvOffset, the

@@ -1,8 +1,11 @@
 // A whole tile moved on 32-bit Arm. Included by tiled.cc in each of its passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_ARMV7
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Moves row by row: the two halves of a register are the halves of a row, and each is
 // loaded or stored by itself.
@@ -22,7 +25,8 @@ HWY_INLINE void moveTile(uint8_t* linear, size_t stride, uint8_t* tile) {
   }
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_ARMV7

@@ -11,9 +11,8 @@
 #include "zelm_imageutil.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <bool kStream>
 HWY_INLINE void splitLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) {
@@ -56,9 +55,8 @@ void uyvyRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t groups,
   (stream ? splitRow<true> : splitRow<false>)(luma, chroma, from, groups);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #include "simd/vbmi_pass.h"

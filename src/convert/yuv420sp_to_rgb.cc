@@ -14,21 +14,16 @@
 #include "simd/each_target.h"  // before all others
 
 #include "convert/yuv420sp_to_rgb.h"
+#include "convert/yuv420sp_to_rgb_neon-inl.h"
+#include "convert/yuv420sp_to_rgb_x86-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_NEON
-#include "convert/yuv420sp_to_rgb_neon-inl.h"
-#elif ZELM_VECTORS
-#include "convert/yuv420sp_to_rgb_x86-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 HWY_INLINE uint8_t clampToByte(int value) {
   return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
@@ -82,22 +77,20 @@ void rgb565Row(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
   convertRow<Rgb565>(to, luma, chroma, pairs);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
 namespace zelm {
-namespace {
 
 using ConvertRow = void(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
                         size_t pairs);
 
-void convertRegion(const ImageStruct& dst, const ImageStruct& src, ConvertRow* convert,
-                   size_t pixelBytes) {
+static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
+                          ConvertRow* convert, size_t pixelBytes) {
   const Region to = packedRegion(dst, pixelBytes);
   const Region luma = lumaRegion(src);
   const Region chroma = chromaRegion(src);
@@ -117,7 +110,6 @@ void convertRegion(const ImageStruct& dst, const ImageStruct& src, ConvertRow* c
   }
 }
 
-}  // namespace
 }  // namespace zelm
 
 extern "C" void convYUV420SP_RGBA8888(ImageStruct* dst, ImageStruct* src) {

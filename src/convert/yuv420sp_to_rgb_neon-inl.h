@@ -1,9 +1,13 @@
 // Semi-planar 4:2:0 to packed RGB on Arm. Included by yuv420sp_to_rgb.cc, which says
 // what is computed, in each of its passes.
+#include "convert/yuv420sp_to_rgb.h"
+#include "simd/vector-inl.h"
+
+#if ZELM_NEON
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // 16 pixels, in order.
 struct RgbBytes {
@@ -168,7 +172,8 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
              : convertBlocks<Format, false, false>(to, luma, chroma, pairs);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

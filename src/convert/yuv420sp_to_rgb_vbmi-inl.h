@@ -1,9 +1,10 @@
 // Semi-planar 4:2:0 to packed RGB: how pixels are put together and stored with VBMI.
 // Included by yuv420sp_to_rgb_x86-inl.h.
+#if ZELM_VBMI
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 constexpr size_t kAhead = 3072;  // how far ahead destination lines are prefetched
 
@@ -67,7 +68,8 @@ HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
   }
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_VBMI

@@ -1,9 +1,13 @@
 // Semi-planar 4:2:0 to packed RGB on x86. Included by yuv420sp_to_rgb.cc, which says
 // what is computed, in each of its passes.
+#include "convert/yuv420sp_to_rgb.h"
+#include "simd/vector-inl.h"
+
+#if ZELM_X86
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // kBytes pixels: G in order, R and B as pairs of the left and of the right pixels.
 //   rbLeft    R0 B0 R2 B2 R4 B4 ...
@@ -144,19 +148,15 @@ HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
 }
 #endif
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
-#if ZELM_VBMI
 #include "convert/yuv420sp_to_rgb_vbmi-inl.h"
-#endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <class Format>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
@@ -167,7 +167,8 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
   });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_X86

@@ -24,9 +24,8 @@
 #include "zelm_imageutil.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Returns the indices of the four samples around `at`.
 HWY_INLINE void findTaps(size_t (&index)[4], const Axis& axis, size_t at) {
@@ -194,9 +193,8 @@ void scaleChroma(const Region& to, const Region& from) {
   Scaler<Bicubic<2>>(to, from).scale();
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #include "simd/vbmi_pass.h"

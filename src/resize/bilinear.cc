@@ -29,16 +29,14 @@
 //   blendUnits(to, weight, bytes, filter)  the same of rows that are filtered on the
 //   way:
 //                                 filter(unit, below) returns the lanes of a unit
-#if ZELM_NEON
+
+// After the headers that they use.
 #include "resize/bilinear_neon-inl.h"
-#elif ZELM_VECTORS
 #include "resize/bilinear_x86-inl.h"
-#endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <size_t kSampleBytes>
 struct Bilinear {
@@ -176,9 +174,8 @@ void scale3Channels(const Region& to, const Region& from) {
   Scaler<Bilinear<3>>(to, from).scale();
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #include "simd/vbmi_pass.h"

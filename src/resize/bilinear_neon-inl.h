@@ -5,13 +5,14 @@
 // H itself. The samples and the weights of a half lie in registers like this:
 //   bytes    0..7              8..15
 //            left of lane i    right of lane i - 8
+#if ZELM_NEON
+
 #include "simd/neon.h"
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 constexpr size_t kRightPlace = 8;
 HWY_INLINE size_t leftPlace(size_t lane) { return lane; }
@@ -90,7 +91,8 @@ HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
   }
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

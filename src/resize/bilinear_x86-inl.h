@@ -1,5 +1,5 @@
-// Arithmetic of bilinear scaling with the vectors of x86. Included by bilinear.cc after
-// scaler-inl.h, once per pass.
+// Arithmetic of bilinear scaling with the vectors of x86. Included by bilinear.cc in
+// each of its passes.
 //
 // One multiplication (pairProducts8) multiplies neighbouring bytes and adds the
 // products, so left and right samples stand side by side, and so do their weights:
@@ -7,12 +7,13 @@
 //            left  right  left  right  left  right
 //   lanes    0            1            2
 // One of the factors is signed, so samples less 128 are used and rows are kept as G.
+#if ZELM_X86
+
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 constexpr size_t kRightPlace = 1;
 HWY_INLINE size_t leftPlace(size_t lane) { return 2 * lane; }
@@ -45,7 +46,8 @@ HWY_INLINE void blendKeptRows(uint8_t* to, const int16_t* upper, const int16_t* 
   });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_X86

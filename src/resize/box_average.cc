@@ -5,6 +5,8 @@
 #include "simd/each_target.h"  // before all others
 
 #include "plane.h"
+#include "resize/box_average_neon-inl.h"
+#include "resize/box_average_x86-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
@@ -12,16 +14,10 @@
 // What differs between instruction sets: averageBlocks<factor, sample>(to, from,
 // stride, bytes) makes a destination row and returns the number of bytes made, which is
 // all, or 0 if the row is too short for vectors.
-#if ZELM_NEON
-#include "resize/box_average_neon-inl.h"
-#elif ZELM_VECTORS
-#include "resize/box_average_x86-inl.h"
-#endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Makes one destination row of `bytes` bytes. A sample is kSample interleaved bytes,
 // which are averaged separately.
@@ -59,27 +55,24 @@ void chromaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
   averageRow<4, 2>(to, from, stride, bytes, next);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace zelm {
-namespace {
 
 using AverageRow = void(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
                         const uint8_t* next);
 
-void averagePlane(AverageRow* average, const Region& to, const Region& from,
-                  size_t factor, size_t sample) {
+static void averagePlane(AverageRow* average, const Region& to, const Region& from,
+                         size_t factor, size_t sample) {
   for (size_t y = 0; y < to.rows; ++y) {
     const uint8_t* next = y + 1 < to.rows ? from.row(factor * (y + 1)) : nullptr;
     average(to.row(y), from.row(factor * y), from.stride, to.columns * sample, next);
   }
 }
 
-}  // namespace
 }  // namespace zelm
 
 extern "C" void resize_averageOfPixel2_420LP(ImageStruct* dst, ImageStruct* src) {

@@ -3,13 +3,14 @@
 // Neighbouring bytes are added by vpaddl and vpadal, the latter onto the sums of the
 // rows above. Chroma is deinterleaved as it is loaded, so that first and second bytes
 // are summed in registers of their own, and interleaved again at the end.
+#if ZELM_NEON
+
 #include "simd/neon.h"
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Two or four source rows that are read from left to right.
 template <size_t kFactor, size_t kSample>
@@ -89,7 +90,8 @@ HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, size_t stride,
   return bytes;
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

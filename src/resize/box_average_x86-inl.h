@@ -4,12 +4,13 @@
 // Neighbouring bytes are added by one multiplication with 1 (pairSums). Chroma is first
 // shuffled such that what is added are neighbours:
 //   V0 U0 V1 U1 V2 U2 V3 U3  ->  V0 V1 U0 U1 V2 V3 U2 U3
+#if ZELM_X86
+
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Puts the first bytes of two neighbouring pairs side by side, and the second ones.
 HWY_INLINE Vec<U8> sideBySide(Vec<U8> v) {
@@ -85,7 +86,8 @@ HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, size_t stride,
   });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_X86

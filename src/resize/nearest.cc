@@ -11,9 +11,8 @@
 #include "zelm_imageutil.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <size_t kSampleBytes>
 struct Nearest {
@@ -92,9 +91,8 @@ void scaleChroma(const Region& to, const Region& from) {
   Scaler<Nearest<2>>(to, from).scale();
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #include "simd/vbmi_pass.h"

@@ -22,9 +22,8 @@
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS
 
@@ -73,9 +72,8 @@ class PickTable {
 
 #endif  // ZELM_VECTORS
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 // Picks<pieces> is a PickTable. Its set(i, position) says where byte i of the vector
@@ -89,9 +87,8 @@ HWY_AFTER_NAMESPACE();
 #endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS
 
@@ -165,9 +162,8 @@ HWY_INLINE size_t vectorStart(size_t vector, size_t bytes) {
 
 #endif  // ZELM_VECTORS
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif  // include guard

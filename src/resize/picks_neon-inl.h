@@ -5,9 +5,8 @@
 //   gives    piece 0   piece 1     0 (vtbl), or what stood there before (vtbx)
 // Pieces 2 and 3 are looked up by a second index into what pieces 0 and 1 gave.
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <size_t kPieces>
 class Picks : public PickTable<kPieces, (kPieces + 1) / 2> {
@@ -38,7 +37,6 @@ class Picks : public PickTable<kPieces, (kPieces + 1) / 2> {
   static constexpr uint8_t kNoByte = 128;
 };
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

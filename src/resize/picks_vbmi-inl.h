@@ -8,9 +8,8 @@
 // and 1 are picked by one, 2 and 3 by another, and the highest bit chooses between
 // them.
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <size_t kPieces>
 class Picks : public PickTable<kPieces, 1> {
@@ -46,7 +45,6 @@ HWY_INLINE Vec<I8> packUpperBytes(Vec<I16> first, Vec<I16> second) {
   return hn::BitCast(i8, everySecond<1>(asU8(first), asU8(second)));
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -8,9 +8,8 @@
 //   piece 0    a c e g i k m o 0 0 0 0 0 0 0 0
 //   piece 1    0 0 0 0 0 0 0 0 q s u w y . . .
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 template <size_t kPieces>
 class Picks : public PickTable<kPieces, kPieces> {
@@ -45,7 +44,6 @@ HWY_INLINE Vec<I8> packUpperBytes(Vec<I16> first, Vec<I16> second) {
   return packSignedInBlocks(hn::ShiftRight<8>(first), hn::ShiftRight<8>(second));
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -35,9 +35,8 @@
 #include "resize/picks-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // The bytes of a strip, such that tables and filtered rows fit on a small stack.
 constexpr size_t kStripBytes = 2048;
@@ -200,9 +199,8 @@ class Scaler {
   const Axis across_, down_;
 };
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif  // include guard

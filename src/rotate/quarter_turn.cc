@@ -6,18 +6,14 @@
 #include "simd/each_target.h"  // before all others
 
 #include "plane.h"
+#include "rotate/quarter_turn_armv7-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_ARMV7
-#include "rotate/quarter_turn_armv7-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Transposes `columns` x `rows` samples of the destination one by one: to(x, y) =
 // from(y, x). Strides are signed.
@@ -87,18 +83,16 @@ void transposeBand(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
                 from + doneRows, fromStride, columns, rows - doneRows);
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace zelm {
-namespace {
 
 // Transposes in bands whose source columns fill a cache line.
-void transpose(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
-               ptrdiff_t fromStride, size_t columns, size_t rows) {
+static void transpose(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
+                      ptrdiff_t fromStride, size_t columns, size_t rows) {
   constexpr size_t kBand = 64;
   const auto band = ZELM_KERNEL(transposeBand);
   for (size_t y = 0; y < rows; y += kBand) {
@@ -108,7 +102,6 @@ void transpose(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
   }
 }
 
-}  // namespace
 }  // namespace zelm
 
 extern "C" void rotate90_Y(ImageStruct* dst, ImageStruct* src) {

@@ -1,8 +1,11 @@
 // A tile transposed on 32-bit Arm. Included by quarter_turn.cc in each of its passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_ARMV7
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Transposes blocks of 2 x 2 lanes: every odd lane of a changes places with the even
 // lane of b before it.
@@ -42,7 +45,8 @@ HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* fr
   }
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_ARMV7

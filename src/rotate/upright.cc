@@ -4,18 +4,14 @@
 #include "simd/each_target.h"  // before all others
 
 #include "plane.h"
+#include "rotate/upright_neon-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
-#if ZELM_NEON
-#include "rotate/upright_neon-inl.h"
-#endif
-
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS && !ZELM_NEON
 template <class D>
@@ -54,9 +50,8 @@ void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
   for (size_t x = done; x < bytes; ++x) to[x] = from[bytes - 1 - x];
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

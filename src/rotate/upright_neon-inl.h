@@ -1,8 +1,11 @@
 // A row reversed on Arm. Included by upright.cc in each of its passes.
+#include "simd/vector-inl.h"
+
+#if ZELM_NEON
+
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
   const uint8_t* last = from + bytes - 64;
@@ -11,7 +14,8 @@ HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes
       [&](size_t n) HWY_ATTR { to -= n, last += n; });
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif  // ZELM_NEON

@@ -9,18 +9,20 @@
 //   packSignedInBlocks  the same of int16 to int8
 //   narrowInBlocks      the same of int32 to int16
 //   joinBlocks          undoes the order that a pack of two vectors leaves
-//   pack                bytes of 16-bit lanes that hold 0 to 255: a's, then b's, in
-//   order pairSums            sums of neighbouring bytes pairProducts8       a0 * b0 +
-//   a1 * b1 of neighbouring bytes; b is signed pairProducts        a0 * b0 + a1 * b1 of
-//   neighbouring int16 addPairProducts     the same, added to a sum pickInBlocks byte
-//   shuffle by an index of 0 to 15; 0 where it is 128 pickBeside          the same, but
-//   the byte of `others` where the index is 128, which
-//                       has 0 in all other places
+//   pack                bytes of 16-bit lanes that hold 0 to 255, in order
+//   pairSums            sums of neighbouring bytes
+//   pairProducts8       a0 * b0 + a1 * b1 of neighbouring bytes; b is signed
+//   pairProducts        a0 * b0 + a1 * b1 of neighbouring int16
+//   addPairProducts     the same, added to a sum
+//   pickInBlocks        byte shuffle by an index of 0 to 15; 0 where it is 128
+//   pickBeside          the same; the byte of `others` where the index is 128
 //   swapPairs           exchanges the bytes of each pair
-//   loadBlocks          blocks from different places side by side, block b from from(b)
-//   loadPairs           the first and the second bytes of kBytes pairs (deinterleave)
-//   storeBlocksInTurn   block 0 of a, b and c, then block 1 of them, and so on (x86)
+//   loadBlocks          blocks from different places, block b from from(b)
+//   loadPairs           deinterleaves kBytes pairs: first bytes, second bytes
+//   storeBlocksInTurn   block 0 of a, b and c, then block 1 of them, ... (x86)
 //   subtractWhereLess   v, less `amount` in the lanes where a < b (x86)
+//
+// pickBeside needs `others` to be 0 wherever the index is not 128.
 #if defined(ZELM_SRC_SIMD_VECTOR_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef ZELM_SRC_SIMD_VECTOR_INL_H_
 #undef ZELM_SRC_SIMD_VECTOR_INL_H_
@@ -31,14 +33,13 @@
 #include "simd/vector_types-inl.h"
 #if ZELM_NEON
 #include "simd/vector_neon-inl.h"
-#elif ZELM_VECTORS
+#elif ZELM_X86
 #include "simd/vector_x86-inl.h"
 #endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 #if ZELM_VECTORS
 
@@ -91,9 +92,8 @@ HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
 
 #endif  // ZELM_VECTORS
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif  // include guard

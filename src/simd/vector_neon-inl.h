@@ -11,9 +11,8 @@
 #include "simd/vector_types-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 HWY_INLINE Vec<U8> packInBlocks(Vec<I16> a, Vec<I16> b) {
   return Vec<U8>{narrowSaturating(a.raw, b.raw)};
@@ -82,9 +81,8 @@ HWY_INLINE Vec<U8> roundedUpperBytes(Vec<U16> a, Vec<U16> b) {
   return Vec<U8>{narrowUpper(a.raw, b.raw)};
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif  // include guard

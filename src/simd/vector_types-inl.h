@@ -15,9 +15,8 @@
 #endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 // Calls body(i) for blocks of `block` items. The last one is moved back so that it ends
 // at `count`. Returns the number of items done: all, or 0 if there is no whole block.
@@ -103,9 +102,8 @@ struct SplitPairs {
 
 #endif  // ZELM_VECTORS
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif  // include guard

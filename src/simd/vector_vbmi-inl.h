@@ -2,9 +2,8 @@
 // only ones that differ from AVX-512's. Included by simd/vbmi_pass.h in each of its
 // passes, so there is no include guard.
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 using namespace N_AVX3;
 
@@ -30,7 +29,6 @@ HWY_INLINE Vec<U8> pack(Vec<U16> a, Vec<U16> b) {
   return everySecond<0>(asU8(a), asU8(b));
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

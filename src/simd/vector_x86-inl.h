@@ -20,9 +20,8 @@
 #endif
 
 HWY_BEFORE_NAMESPACE();
-namespace zelm {
+namespace zelm::HWY_NAMESPACE {
 namespace {
-namespace HWY_NAMESPACE {
 
 HWY_INLINE Vec<U8> packInBlocks(Vec<I16> a, Vec<I16> b) {
   return Vec<U8>{ZELM_MM(packus_epi16)(a.raw, b.raw)};
@@ -145,9 +144,8 @@ HWY_INLINE SplitPairs loadPairs(const uint8_t* from) {
   return {pack(lowBytes(a), lowBytes(b)), pack(highBytes(a), highBytes(b))};
 }
 
-}  // namespace HWY_NAMESPACE
 }  // namespace
-}  // namespace zelm
+}  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #undef ZELM_MM
