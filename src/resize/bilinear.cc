@@ -26,9 +26,10 @@
 //                                 bytes, and how far behind it the right one
 //   filterSamples(picked, weights)  the lanes of a filtered row
 //   blendKeptRows(to, upper, lower, weight, bytes)  two filtered rows, into bytes
-//   blendUnits(to, weight, bytes, filter)  the same of rows that are filtered on the
-//   way:
-//                                 filter(unit, below) returns the lanes of a unit
+//   blendUnits(to, weight, bytes, filterUpper, filterBoth)
+//                                 the same of rows that are filtered on the way: of a
+//                                 unit filterUpper(unit) returns the lanes of the upper
+//                                 row, filterBoth(unit) those of both
 
 // After the headers that they use.
 #include "resize/bilinear_neon-inl.h"
@@ -126,8 +127,17 @@ struct Bilinear {
     }
 
     HWY_INLINE auto filter(const uint8_t* from) const {
-      const bool load = kMayRun && run;
-      return filterSamples(load ? this->loadRun(from) : this->pick(from), weights);
+      return filterSamples(samples(from), weights);
+    }
+    // Both rows are picked first, so that what they share is loaded once.
+    HWY_INLINE auto filterBoth(const uint8_t* upper, const uint8_t* lower) const {
+      const Vec<U8> above = samples(upper), below = samples(lower);
+      const auto first = filterSamples(above, weights);
+      return std::make_pair(first, filterSamples(below, weights));
+    }
+
+    HWY_INLINE Vec<U8> samples(const uint8_t* from) const {
+      return kMayRun && run ? this->loadRun(from) : this->pick(from);
     }
 
     static constexpr bool kMayRun = kRuns && kSample == 1 && kPieces == 2;
@@ -156,9 +166,11 @@ struct Bilinear {
 
     HWY_INLINE void makeRow(uint8_t* to, const uint8_t* const (&rows)[2],
                             const RowTap& tap, const uint8_t*) const {
-      blendUnits(to, tap.weight, this->bytes_, [&](size_t u, bool below) HWY_ATTR {
-        return this->units_[u].filter(below ? rows[1] : rows[0]);
-      });
+      blendUnits(
+          to, tap.weight, this->bytes_,
+          [&](size_t u) HWY_ATTR { return this->units_[u].filter(rows[0]); },
+          [&](size_t u)
+              HWY_ATTR { return this->units_[u].filterBoth(rows[0], rows[1]); });
     }
   };
 #endif  // ZELM_VECTORS

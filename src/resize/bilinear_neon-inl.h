@@ -69,13 +69,16 @@ HWY_INLINE void blendKeptRows(uint8_t* to, const int16_t* upper, const int16_t* 
       moveBack);
 }
 
-template <class Filter>
+// filterBoth(u) are the two filtered rows of unit u, filterUpper(u) is the first of
+// them.
+template <class FilterUpper, class FilterBoth>
 HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
-                           const Filter& filter) {
+                           const FilterUpper& filterUpper,
+                           const FilterBoth& filterBoth) {
   const size_t vectors = vectorsFor(bytes);
   if (weight == 0) {
     for (size_t v = 0; v < vectors; ++v) {
-      const Vec<U16> first = filter(2 * v, false), second = filter(2 * v + 1, false);
+      const Vec<U16> first = filterUpper(2 * v), second = filterUpper(2 * v + 1);
       store(roundedUpperBytes(first, second), to + vectorStart(v, bytes));
     }
     return;
@@ -84,8 +87,8 @@ HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
   for (size_t v = 0; v < vectors; ++v) {
     Vec<I16> half[2];
     for (size_t h = 0; h < 2; ++h) {
-      const Vec<U16> above = filter(2 * v + h, false);
-      half[h] = blend(above, filter(2 * v + h, true), weights);
+      const auto rows = filterBoth(2 * v + h);
+      half[h] = blend(rows.first, rows.second, weights);
     }
     store(packInBlocks(half[0], half[1]), to + vectorStart(v, bytes));
   }

@@ -9,6 +9,8 @@
 // One of the factors is signed, so samples less 128 are used and rows are kept as G.
 #if ZELM_X86
 
+#include <utility>
+
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -23,12 +25,15 @@ HWY_INLINE Vec<I16> filterSamples(Vec<U8> picked, const uint8_t* weights) {
   return hn::Add(sums, hn::Set(i16, 128));
 }
 
-template <class Filter>
+// filterBoth(u) are the two filtered rows of unit u, filterUpper(u) is the first of
+// them.
+template <class FilterUpper, class FilterBoth>
 HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
-                           const Filter& filter) {
+                           const FilterUpper&, const FilterBoth& filterBoth) {
   const Vec<U16> by = hn::Set(u16, static_cast<uint16_t>(256 * weight));
   const auto blend = [&](size_t h) HWY_ATTR {
-    const Vec<I16> a = filter(h, false), b = filter(h, true);
+    const std::pair<Vec<I16>, Vec<I16>> rows = filterBoth(h);
+    const Vec<I16> a = rows.first, b = rows.second;
     const Vec<I16> product = asI16(hn::MulHigh(asU16(hn::Sub(b, a)), by));
     return subtractWhereLess(hn::Add(a, product), b, a, asI16(by));
   };
@@ -41,9 +46,11 @@ HWY_INLINE void blendUnits(uint8_t* to, unsigned weight, size_t bytes,
 
 HWY_INLINE void blendKeptRows(uint8_t* to, const int16_t* upper, const int16_t* lower,
                               unsigned weight, size_t bytes) {
-  blendUnits(to, weight, bytes, [&](size_t h, bool below) HWY_ATTR {
-    return hn::Load(i16, (below ? lower : upper) + h * (kBytes / 2));
-  });
+  const auto row = [](const int16_t* from, size_t h)
+                       HWY_ATTR { return hn::Load(i16, from + h * (kBytes / 2)); };
+  blendUnits(
+      to, weight, bytes, [&](size_t h) HWY_ATTR { return row(upper, h); },
+      [&](size_t h) HWY_ATTR { return std::make_pair(row(upper, h), row(lower, h)); });
 }
 
 }  // namespace
