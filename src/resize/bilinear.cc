@@ -21,15 +21,16 @@
 #include "zelm_imageutil.h"
 
 // What differs between instruction sets:
-//   leftPlace(lane), kRightPlace  where the left sample of a lane stands among the
-//   picked
-//                                 bytes, and how far behind it the right one
-//   filterSamples(picked, weights)  the lanes of a filtered row
-//   blendKeptRows(to, upper, lower, weight, bytes)  two filtered rows, into bytes
+//   leftPlace(lane), kRightPlace
+//       where the left sample of a lane stands among the picked bytes, and how far
+//       behind it the right one
+//   filterSamples(picked, weights)
+//       the lanes of a filtered row
+//   blendKeptRows(to, upper, lower, weight, bytes)
+//       two filtered rows, into bytes
 //   blendUnits(to, weight, bytes, filterUpper, filterBoth)
-//                                 the same of rows that are filtered on the way: of a
-//                                 unit filterUpper(unit) returns the lanes of the upper
-//                                 row, filterBoth(unit) those of both
+//       the same of rows that are filtered on the way: of a unit filterUpper(unit)
+//       returns the lanes of the upper row, filterBoth(unit) those of both
 
 // After the headers that they use.
 #include "resize/bilinear_neon-inl.h"
