@@ -1,3 +1,4 @@
+// The part of the sketch in Kotlin: a camera's images to bitmaps. See preview_jni.c.
 package org.example.preview
 
 import android.graphics.Bitmap
