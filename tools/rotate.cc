@@ -75,7 +75,7 @@ class ColourTurner : public Turner {
                {in, region, region.size, wholeRegion(region.size)}, kAnyMethods),
         turned_(FORMAT_YUV420P, turn.quarter ? turned(region.size) : region.size),
         join_(FORMAT_YUV420P, to.code, unchangedGeometry(turned_.size()), kAnyMethods) {
-    const Format& planar = formatNamed("yv12");
+    const Format planar = formatNamed("yv12");
     from_ = filePlanes(planar, region.size, Layout::kDestination);
     to_ = filePlanes(planar, turned_.size(), Layout::kSource);
   }
