@@ -4,13 +4,19 @@
 #ifndef ZELM_TESTS_GUARDED_BUFFER_H
 #define ZELM_TESTS_GUARDED_BUFFER_H
 
-#include <sanitizer/asan_interface.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <stdexcept>
+
+#if __has_include(<sanitizer/asan_interface.h>)
+#include <sanitizer/asan_interface.h>
+#else  // Clang without its sanitizers
+#define ASAN_POISON_MEMORY_REGION(start, size) ((void)(start), (void)(size))
+#define ASAN_UNPOISON_MEMORY_REGION(start, size) ((void)(start), (void)(size))
+#endif
 
 class GuardedBuffer {
  public:
