@@ -3,7 +3,7 @@
 # Debian of its own: a chroot with g++, make and git, where the scripts install the rest.
 #   scripts/test-debian.sh [12|13] [demo|test]...    by default 13, demo and test
 # What ZELM_CMAKE_OPTIONS holds goes to CMake. As root; the chroot is made anew in
-# build-debian13/ (or 12) each time.
+# build-debian13/ (or 12) each time. Ends with 77 where no chroot can be made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -23,6 +23,11 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 # shellcheck disable=SC2086  # a list of words
 require_packages $chroot_packages
+
+if ! unshare --mount --fork true 2>/dev/null; then
+  echo "$0: skipped, nothing can be mounted here"
+  exit 77
+fi
 
 folder=$PWD/build-debian$release
 root=$folder/root
