@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <initializer_list>
 
 #include "frames/planes.h"
 
@@ -49,7 +50,8 @@ int checkPlane(const NamedFrame& frame, const Format& format, int p,
 
   const PlaneExtent extent =
       planeExtent(format, p, frame.frame->width, frame.frame->height);
-  const size_t rowBytes = rowBytesWithStep(extent, plane), stride = absolute(plane.stride);
+  const size_t rowBytes = rowBytesWithStep(extent, plane),
+               stride = absolute(plane.stride);
   const char* rows = format.layout == Layout::kTiles ? "rows of tiles" : "rows";
   if (extent.rows > 1 && stride < rowBytes) {
     return refuse(message, ZELM_BAD_PLANE,
@@ -61,10 +63,11 @@ int checkPlane(const NamedFrame& frame, const Format& format, int p,
   const size_t above = extent.rows - 1;
   const size_t most = static_cast<size_t>(PTRDIFF_MAX) - rowBytes;
   if (above > 0 && stride > most / above) {
-    return refuse(message, ZELM_BAD_PLANE,
-                  "%s: the %s plane has a stride of %lld bytes, and %zu %s of it are more "
-                  "than can be addressed",
-                  frame.name, name, static_cast<long long>(plane.stride), extent.rows, rows);
+    return refuse(
+        message, ZELM_BAD_PLANE,
+        "%s: the %s plane has a stride of %lld bytes, and %zu %s of it are more "
+        "than can be addressed",
+        frame.name, name, static_cast<long long>(plane.stride), extent.rows, rows);
   }
   const size_t needed = above * stride + rowBytes;
   if (plane.size != 0 && plane.size < needed) {
@@ -80,9 +83,9 @@ int checkPlane(const NamedFrame& frame, const Format& format, int p,
                   stride);
   }
   const auto address = reinterpret_cast<uintptr_t>(plane.data);
-  const bool wraps = plane.stride < 0 ? address < above * stride ||
-                                            UINTPTR_MAX - address < rowBytes
-                                      : UINTPTR_MAX - address < needed;
+  const bool wraps = plane.stride < 0
+                         ? address < above * stride || UINTPTR_MAX - address < rowBytes
+                         : UINTPTR_MAX - address < needed;
   if (wraps) {
     return refuse(message, ZELM_BAD_PLANE,
                   "%s: the %s plane's rows go beyond the end of memory", frame.name,
@@ -106,12 +109,13 @@ int checkSpan(const NamedFrame& frame, const Format& format, const Span& span,
                   frame.name, span.side);
   }
   if (span.first > span.all || span.size > span.all - span.first) {
-    return refuse(message, ZELM_BAD_REGION,
-                  "%s: the region's %ss %lu to %llu are not all in the frame, which has "
-                  "%lu",
-                  frame.name, span.side, static_cast<unsigned long>(span.first),
-                  static_cast<unsigned long long>(span.first) + span.size - 1,
-                  static_cast<unsigned long>(span.all));
+    return refuse(
+        message, ZELM_BAD_REGION,
+        "%s: the region's %ss %lu to %llu are not all in the frame, which has "
+        "%lu",
+        frame.name, span.side, static_cast<unsigned long>(span.first),
+        static_cast<unsigned long long>(span.first) + span.size - 1,
+        static_cast<unsigned long>(span.all));
   }
   if (span.first % span.shared != 0) {
     return refuse(message, ZELM_BAD_REGION,
@@ -133,8 +137,8 @@ int checkSpan(const NamedFrame& frame, const Format& format, const Span& span,
   return ZELM_OK;
 }
 
-// Where the bytes of a region lie in one plane: rows of `bytes`, `stride` apart, from the
-// lowest address on.
+// Where the bytes of a region lie in one plane: rows of `bytes`, `stride` apart, from
+// the lowest address on.
 struct Bytes {
   uintptr_t start;
   size_t rows, stride, bytes;
@@ -148,7 +152,7 @@ Bytes bytesOf(const ZelmFrame& frame, const Format& format, int p, const Rect& r
   Rect part = tiles ? Rect{0, 0, frame.width, frame.height} : region;
   const PlaneExtent extent = planeExtent(format, p, part.columns, part.rows);
   if (p > 0) part = sharedBy(part, format.columnsShared(), format.rowsShared());
-  const size_t sample = format.layout == Layout::kPairs && p > 0 ? 2
+  const size_t sample = format.layout == Layout::kPairs && p > 0     ? 2
                         : plane.step == 2 && mayHaveSteps(format, p) ? 2
                                                                      : format.bytes;
   const size_t stride = absolute(plane.stride);
@@ -200,10 +204,11 @@ int checkRecord(const NamedFrame& frame, ZelmMessage* message) {
                   static_cast<unsigned long>(kLargestSide));
   }
   if (!format->isRgb() && f.colour > ZELM_BT2020_LIMITED) {
-    return refuse(message, ZELM_BAD_COLOUR,
-                  "%s: there is no colour description %lu; they are 0 (BT.601 full) to 5 "
-                  "(BT.2020 limited)",
-                  frame.name, static_cast<unsigned long>(f.colour));
+    return refuse(
+        message, ZELM_BAD_COLOUR,
+        "%s: there is no colour description %lu; they are 0 (BT.601 full) to 5 "
+        "(BT.2020 limited)",
+        frame.name, static_cast<unsigned long>(f.colour));
   }
   return ZELM_OK;
 }
@@ -224,9 +229,11 @@ int checkRegion(const NamedFrame& frame, const ZelmRegion& region, bool isTarget
     *rect = {0, 0, f.width, f.height};
     return ZELM_OK;
   }
-  const Span columns = {"column", region.x, region.width, f.width, format.columnsShared()};
+  const Span columns = {"column", region.x, region.width, f.width,
+                        format.columnsShared()};
   const Span rows = {"row", region.y, region.height, f.height, format.rowsShared()};
-  if (const int code = checkSpan(frame, format, columns, isTarget, message)) return code;
+  if (const int code = checkSpan(frame, format, columns, isTarget, message))
+    return code;
   if (const int code = checkSpan(frame, format, rows, isTarget, message)) return code;
   *rect = {region.x, region.y, region.width, region.height};
   return ZELM_OK;
@@ -260,10 +267,11 @@ int checkOverlap(const ZelmFrame& dst, const Rect& target, const ZelmFrame& src,
     const Bytes written = bytesOf(dst, to, i, target);
     for (int j = 0; j < from.planes; ++j) {
       if (apart(written, bytesOf(src, from, j, source))) continue;
-      return refuse(message, ZELM_OVERLAP,
-                    "the destination's %s plane and the source's %s plane share bytes; a "
-                    "frame cannot be converted in place",
-                    planeName(to, i), planeName(from, j));
+      return refuse(
+          message, ZELM_OVERLAP,
+          "the destination's %s plane and the source's %s plane share bytes; a "
+          "frame cannot be converted in place",
+          planeName(to, i), planeName(from, j));
     }
   }
   return ZELM_OK;

@@ -6,13 +6,14 @@ namespace zelm {
 namespace {
 
 struct Description {
-  double kr, kg, kb;  // what R, G and B are of luma
-  int offset;         // of luma
+  double kr, kg, kb;    // what R, G and B are of luma
+  int offset;           // of luma
   double luma, chroma;  // what a step of luma (chroma) is of one in full range
 };
 
 // Kr and Kb of ITU-R BT.601, BT.709 and BT.2020.
-constexpr double kConstants[3][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};
+constexpr double kConstants[3][2] = {
+    {0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};
 
 constexpr Description describe(uint32_t colour) {
   const double kr = kConstants[colour / 2][0], kb = kConstants[colour / 2][1];
@@ -43,14 +44,10 @@ constexpr Factors factorsOf(const Description& d) {
 constexpr YuvToRgb yuvToRgbOf(const Description& d, bool bt601Full) {
   const Factors f = factorsOf(d);
   const int bu = rounded(d.chroma * f.bu);
-  return {d.offset,
-          rounded(d.luma),
-          rounded(d.chroma * f.rv),
-          rounded(d.chroma * f.gu),
+  return {d.offset, rounded(d.luma), rounded(d.chroma * f.rv), rounded(d.chroma * f.gu),
           rounded(d.chroma * f.gv),
           // A weight above 16 bits is even, so that half of it can be used.
-          bu < 1 << 15 ? bu : 2 * rounded(d.chroma * f.bu / 2),
-          bt601Full};
+          bu < 1 << 15 ? bu : 2 * rounded(d.chroma * f.bu / 2), bt601Full};
 }
 
 constexpr RgbToYuv rgbToYuvOf(const Description& d) {
@@ -58,7 +55,8 @@ constexpr RgbToYuv rgbToYuvOf(const Description& d) {
             b = rounded(d.kb / d.luma), half = rounded(0.5 / d.chroma);
   const int ur = rounded(-0.5 / d.chroma * d.kr / (1 - d.kb));
   const int vb = rounded(-0.5 / d.chroma * d.kb / (1 - d.kr));
-  return {d.offset, {r, sum - r - b, b}, {ur, -ur - half, half}, {half, -half - vb, vb}};
+  return {
+      d.offset, {r, sum - r - b, b}, {ur, -ur - half, half}, {half, -half - vb, vb}};
 }
 
 constexpr YuvToYuv yuvToYuvOf(const Description& s, const Description& t) {

@@ -12,8 +12,8 @@ namespace zelm {
 
 constexpr uint32_t kColours = 6;
 
-// The sum of a pixel's channels, each times its weight, for each of Y, U and V; channels
-// are R, G, B.
+// The sum of a pixel's channels, each times its weight, for each of Y, U and V;
+// channels are R, G, B.
 struct RgbToYuv {
   int offset;  // of luma
   int y[3], u[3], v[3];

@@ -37,7 +37,8 @@ uint64_t layOut(const Format& format, uint32_t width, uint32_t height,
 extern "C" size_t zelmFrameBytes(uint32_t format, uint32_t width, uint32_t height,
                                  size_t rowAlignment) {
   const Format* known = findFormat(format);
-  if (known == nullptr || !isSize(width, height) || !isAlignment(rowAlignment)) return 0;
+  if (known == nullptr || !isSize(width, height) || !isAlignment(rowAlignment))
+    return 0;
   const auto ignore = [](int, uint64_t, size_t, uint64_t) {};
   const uint64_t bytes = layOut(*known, width, height, rowAlignment, ignore);
   return bytes <= static_cast<uint64_t>(PTRDIFF_MAX) ? static_cast<size_t>(bytes) : 0;

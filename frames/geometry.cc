@@ -21,8 +21,8 @@ void sourceRange(size_t from, size_t to, size_t* first, size_t* count) {
 // What of the layer, after scaling, becomes the rectangle by the turn.
 Rect beforeTurn(const Shape& shape, const Rect& rect) {
   const Turn& turn = shape.turn;
-  Rect before = turn.transposed ? Rect{rect.row, rect.column, rect.rows, rect.columns}
-                                : rect;
+  Rect before =
+      turn.transposed ? Rect{rect.row, rect.column, rect.rows, rect.columns} : rect;
   if (turn.columnsReversed) {
     before.column = shape.scaled.columns - before.column - before.columns;
   }
@@ -60,9 +60,9 @@ void reduce(const Region& to, const Region& from, int shift, size_t sample) {
 // The plane of `size` that the region is a part of, from (column, row) on. What lies
 // outside of the region must not be touched.
 Region wholeOf(const Region& part, const Rect& rect, const Size& size, size_t sample) {
-  const auto before = static_cast<uintptr_t>(static_cast<ptrdiff_t>(rect.row) *
-                                                 part.stride +
-                                             static_cast<ptrdiff_t>(rect.column * sample));
+  const auto before =
+      static_cast<uintptr_t>(static_cast<ptrdiff_t>(rect.row) * part.stride +
+                             static_cast<ptrdiff_t>(rect.column * sample));
   const auto origin = reinterpret_cast<uintptr_t>(part.origin) - before;
   return {reinterpret_cast<uint8_t*>(origin), part.stride, size.columns, size.rows};
 }
@@ -122,16 +122,15 @@ Region makeLayer(const Shape& shape, size_t sample, const Rect& rect,
   const Region* afterReducing = shape.isScaled() ? nullptr : afterScaling;
   const Region* afterReading = shape.halvings > 0 ? nullptr : afterReducing;
   const auto place = [&](const Region* wanted, const Rect& size) {
-    return wanted != nullptr ? *wanted
-                             : scratch.take(sample, size.columns, size.rows);
+    return wanted != nullptr ? *wanted : scratch.take(sample, size.columns, size.rows);
   };
 
-  Region have =
-      reader.read(enlarged(reduced, shape.halvings), scratch, afterReading);
+  Region have = reader.read(enlarged(reduced, shape.halvings), scratch, afterReading);
   for (int left = shape.halvings; left > 0;) {
     const int shift = nextShift(left);
     left -= shift;
-    const Region to = place(left == 0 ? afterReducing : nullptr, enlarged(reduced, left));
+    const Region to =
+        place(left == 0 ? afterReducing : nullptr, enlarged(reduced, left));
     reduce(to, have, shift, sample);
     have = to;
   }
@@ -163,8 +162,8 @@ size_t layerScratch(const Shape& shape, size_t sample, const Rect& rect) {
   };
   const Rect scaled = beforeTurn(shape, rect), reduced = beforeScaling(shape, scaled);
   const Rect read = enlarged(reduced, shape.halvings);
-  size_t sum = bytes(rect) + bytes(scaled) +
-               LayerReader::extraScratch(read.columns * sample);
+  size_t sum =
+      bytes(rect) + bytes(scaled) + LayerReader::extraScratch(read.columns * sample);
   for (int left = shape.halvings; left >= 0; left -= left == 0 ? 1 : nextShift(left)) {
     sum += bytes(enlarged(reduced, left));
   }

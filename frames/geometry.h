@@ -7,10 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "plane.h"
 #include "frames/read.h"
-#include "resize/scale_plane.h"
 #include "frames/scratch.h"
+#include "plane.h"
+#include "resize/scale_plane.h"
 
 namespace zelm {
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "frames/colour.h"
-#include "plane.h"
 #include "frames/scratch.h"
+#include "plane.h"
 
 namespace zelm {
 

@@ -4,8 +4,8 @@
 #include <new>
 
 #include "frames/check.h"
-#include "pipeline/reduction_rate.h"
 #include "frames/route.h"
+#include "pipeline/reduction_rate.h"
 
 namespace zelm {
 namespace {
@@ -25,8 +25,8 @@ class WorkingMemory {
     pieces_ = pieces;
     if (size > SIZE_MAX / pieces) return false;
     memory_ = static_cast<uint8_t*>(std::calloc(pieces, size));
-    taken_ = static_cast<std::atomic<bool>*>(
-        std::calloc(pieces, sizeof(std::atomic<bool>)));
+    taken_ =
+        static_cast<std::atomic<bool>*>(std::calloc(pieces, sizeof(std::atomic<bool>)));
     if (memory_ == nullptr || taken_ == nullptr) return false;
     for (size_t i = 0; i < pieces; ++i) new (&taken_[i]) std::atomic<bool>(false);
     return true;
@@ -164,7 +164,8 @@ int makePlan(ZelmPlan* plan, const ZelmFrame& dst, const ZelmFrame& src,
   const NamedFrame from = {&src, "source"}, to = {&dst, "destination"};
   Rect source, target;
   if (const int code = checkEdit(edit, message)) return code;
-  if (const int code = checkRegion(from, edit.source, false, &source, message)) return code;
+  if (const int code = checkRegion(from, edit.source, false, &source, message))
+    return code;
   if (const int code = checkRegion(to, edit.destination, true, &target, message)) {
     return code;
   }
@@ -208,8 +209,8 @@ int checkFrames(const ZelmPlan& plan, const ZelmFrame* dst, const ZelmFrame* src
                       nullptr);
 }
 
-void makeBand(const ZelmPlan& plan, int band, const ZelmFrame& dst, const ZelmFrame& src,
-              Scratch scratch) {
+void makeBand(const ZelmPlan& plan, int band, const ZelmFrame& dst,
+              const ZelmFrame& src, Scratch scratch) {
   const size_t first = static_cast<size_t>(band) * plan.bandRows;
   const size_t left = plan.route.targetRegion.rows - first;
   makeRows(plan.route, dst, src, first, left < plan.bandRows ? left : plan.bandRows,
@@ -224,7 +225,8 @@ extern "C" int zelmPlanCreate(ZelmPlan** plan, const ZelmFrame* dst,
                               ZelmMessage* message) {
   using namespace zelm;
   if (message != nullptr) message->text[0] = '\0';
-  if (plan == nullptr) return refuse(message, ZELM_NULL, "there is no place for the plan");
+  if (plan == nullptr)
+    return refuse(message, ZELM_NULL, "there is no place for the plan");
   *plan = nullptr;
   for (const NamedFrame& frame :
        {NamedFrame{dst, "destination"}, NamedFrame{src, "source"}}) {
@@ -236,7 +238,8 @@ extern "C" int zelmPlanCreate(ZelmPlan** plan, const ZelmFrame* dst,
     return refuse(message, ZELM_NO_MEMORY, "there is no memory for a plan");
   }
   new (made) ZelmPlan();
-  const int code = makePlan(made, *dst, *src, edit != nullptr ? *edit : kNoEdit, message);
+  const int code =
+      makePlan(made, *dst, *src, edit != nullptr ? *edit : kNoEdit, message);
   if (code != ZELM_OK) {
     zelmPlanDestroy(made);
     return code;

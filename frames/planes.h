@@ -5,8 +5,8 @@
 #include <cstddef>
 
 #include "frames/format.h"
-#include "plane.h"
 #include "frames/rect.h"
+#include "plane.h"
 
 namespace zelm {
 

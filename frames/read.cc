@@ -50,7 +50,8 @@ Region LayerReader::read(const Rect& rect, Scratch& scratch, const Region* sink)
   for (size_t y = 0; y < rect.rows; ++y) {
     const size_t from = 2 * (rect.row + y);
     const bool alone = rows == Rows::kUpper || from + 1 == plane.rows;
-    const uint8_t* upper = row(alone ? to.row(y) : upperRow, from, rect.column, rect.columns);
+    const uint8_t* upper =
+        row(alone ? to.row(y) : upperRow, from, rect.column, rect.columns);
     if (!alone) {
       mean(to.row(y), upper, row(lowerRow, from + 1, rect.column, rect.columns), bytes);
     } else if (upper != to.row(y)) {

@@ -6,9 +6,9 @@
 #include <cstdint>
 
 #include "frames/format.h"
-#include "plane.h"
 #include "frames/rect.h"
 #include "frames/scratch.h"
+#include "plane.h"
 
 namespace zelm {
 
@@ -30,7 +30,7 @@ struct LayerReader {
   size_t sample = 1;
   Storage storage = Storage::kSamples;
   Rows rows = Rows::kAll;
-  RgbLayout rgb = RgbLayout::kRgb24;  // of words
+  RgbLayout rgb = RgbLayout::kRgb24;                   // of words
   size_t tileColumn = 0, tileRow = 0, rowsOfTile = 0;  // where a region of tiles begins
 
   // Returns where the rectangle lies: in place, in `sink`, if that is not null, or in

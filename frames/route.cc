@@ -40,8 +40,8 @@ struct Band {
   PairRows pairs(const Rect& rect, bool recolours) {
     Region made[2] = {};
     for (int i = 0; i < (layers.pairs ? 1 : 2); ++i) {
-      made[i] = makeLayer(route.chroma, layers.chroma[i].sample, rect,
-                          layers.chroma[i], scratch, nullptr);
+      made[i] = makeLayer(route.chroma, layers.chroma[i].sample, rect, layers.chroma[i],
+                          scratch, nullptr);
     }
     return PairRows(made, layers.pairs, layers.pairs ? layers.uFirst : target.uFirst(),
                     rect.row, recolours ? &route.recolour : nullptr, scratch);
@@ -87,7 +87,8 @@ void rgbToYuv(Band& band) {
   for (size_t y = 0; y < band.rows; y += shared) {
     const size_t row = band.first + y;
     const bool two = shared == 2 && y + 1 < band.rows;
-    uint8_t* luma[2] = {target.lumaPlace(row), two ? target.lumaPlace(row + 1) : nullptr};
+    uint8_t* luma[2] = {target.lumaPlace(row),
+                        two ? target.lumaPlace(row + 1) : nullptr};
     uint8_t* pairs = route.needsChroma ? target.pairsPlace(row / shared) : nullptr;
     convert(luma, pairs, {pixels.row(y), two ? pixels.row(y + 1) : nullptr},
             band.layers.luma.sample, columns, weights);
@@ -115,7 +116,8 @@ void yuvToRgb(Band& band) {
     return;
   }
   const size_t shared = route.rowsShared(), all = route.chroma.result().rows;
-  PairRows pairs = band.pairs(chromaRect(route, band.first, band.rows, shared - 1), false);
+  PairRows pairs =
+      band.pairs(chromaRect(route, band.first, band.rows, shared - 1), false);
   for (size_t y = 0; y < band.rows; ++y) {
     const size_t k = (band.first + y) / shared;
     const uint8_t* own = pairs.get(k);
@@ -168,8 +170,8 @@ class ChromaOfTarget {
 bool makeChromaInPlace(Band& band) {
   const Route& route = band.route;
   const SourceLayers& layers = band.layers;
-  const bool same =
-      layers.pairs ? band.target.storesPairs(layers.uFirst) : band.target.storesPlanes();
+  const bool same = layers.pairs ? band.target.storesPairs(layers.uFirst)
+                                 : band.target.storesPlanes();
   if (!same || route.recolours || route.work != route.to->sampling) return false;
   const Rect rect = chromaRect(route, band.first, band.rows, 0);
   for (int i = 0; i < (layers.pairs ? 1 : 2); ++i) {
@@ -187,19 +189,21 @@ void yuvToYuv(Band& band) {
   const bool inPlace = target.hasPlainLuma() && !route.recolours;
   const Region sink = target.lumaRows(band.first, band.rows);
   const Region luma = band.luma(inPlace ? &sink : nullptr);
-  const bool done = !route.to->hasChroma() || (route.needsChroma && makeChromaInPlace(band));
+  const bool done =
+      !route.to->hasChroma() || (route.needsChroma && makeChromaInPlace(band));
   if (done && inPlace) return;
 
   // Rows of luma to be recoloured want the chroma of their pixels, too.
   const size_t around = route.to->sampling == Sampling::k422 ? 1 : 0;
-  PairRows pairs =
-      route.needsChroma && !done
-          ? band.pairs(chromaRect(route, band.first, band.rows, around), route.recolours)
-          : PairRows();
+  PairRows pairs = route.needsChroma && !done
+                       ? band.pairs(chromaRect(route, band.first, band.rows, around),
+                                    route.recolours)
+                       : PairRows();
   ChromaOfTarget chroma(band, route.needsChroma ? &pairs : nullptr,
                         done ? nullptr : band.neutralPairs());
   const auto recolour = recolourLumaKernel();
-  const bool mixes = route.needsChroma && (route.recolour.yu != 0 || route.recolour.yv != 0);
+  const bool mixes =
+      route.needsChroma && (route.recolour.yu != 0 || route.recolour.yv != 0);
   const bool packed = route.to->layout == Layout::kPacked;
   const size_t shared = route.to->rowsShared();
   for (size_t y = 0; y < band.rows; ++y) {
@@ -248,7 +252,8 @@ size_t scratchFor(const Route& route, size_t first, size_t rows) {
   if (route.needsChroma && !route.from->isRgb()) {
     // Planes of U and of V take as much as pairs, and the padding of one more.
     const Rect rect = chromaRect(route, first, rows, 1);
-    bytes += 2 * layerScratch(route.chroma, 1, rect) + layerScratch(route.chroma, 2, rect);
+    bytes +=
+        2 * layerScratch(route.chroma, 1, rect) + layerScratch(route.chroma, 2, rect);
   }
   return bytes;
 }

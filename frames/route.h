@@ -18,9 +18,9 @@ namespace zelm {
 struct Route {
   const Format *from, *to;
   Rect sourceRegion, targetRegion;
-  Shape luma;    // or pixels
-  Shape chroma;  // of frames that have it
-  Sampling work;  // of the source as it is read
+  Shape luma;       // or pixels
+  Shape chroma;     // of frames that have it
+  Sampling work;    // of the source as it is read
   Rows chromaRows;  // how 4:2:2 is read
   bool needsChroma;
   bool recolours;  // from YUV to YUV of another colour

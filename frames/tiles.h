@@ -18,8 +18,8 @@ struct TiledPlane {
   // consists of, from byte `first` on.
   template <class Move>
   void forPieces(size_t y, size_t first, size_t bytes, const Move& move) const {
-    uint8_t* row = origin + static_cast<ptrdiff_t>(y / tileRows) * stride +
-                   8 * (y % tileRows);
+    uint8_t* row =
+        origin + static_cast<ptrdiff_t>(y / tileRows) * stride + 8 * (y % tileRows);
     for (size_t done = 0; done < bytes;) {
       const size_t at = first + done;
       const size_t room = 8 - at % 8, left = bytes - done;

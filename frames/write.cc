@@ -20,8 +20,8 @@ Target::Target(const ZelmFrame& frame, const Format& format, const Rect& region,
 void Target::writeLuma(size_t y, const uint8_t* luma) const {
   const Region& plane = planes_.first;
   if (format_.layout == Layout::kTiles) {
-    TiledPlane{plane.origin, plane.stride, 16}.writeRow(luma, region_.row + y,
-                                                        region_.column, region_.columns);
+    TiledPlane{plane.origin, plane.stride, 16}.writeRow(
+        luma, region_.row + y, region_.column, region_.columns);
   } else if (luma != plane.row(y)) {
     copyBytes(plane.row(y), luma, region_.columns);
   }

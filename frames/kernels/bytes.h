@@ -7,8 +7,8 @@
 
 namespace zelm {
 
-// to[i] = from[2 i], or from[2 i + 1]. The byte behind the last one that is taken is not
-// read.
+// to[i] = from[2 i], or from[2 i + 1]. The byte behind the last one that is taken is
+// not read.
 using TakeBytes = void(uint8_t* to, const uint8_t* from, size_t bytes);
 TakeBytes* firstBytesKernel();
 TakeBytes* secondBytesKernel();

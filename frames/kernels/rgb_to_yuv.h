@@ -21,9 +21,9 @@ inline ChannelWeights withPairsSwapped(ChannelWeights weights) {
 }
 
 // Converts one row of pixels, or two of them to a row of luma each and one row of
-// pairs. `from[1]` is null, or the other row; `pairs` is null where only luma is wanted.
-// Pixels have `pixelBytes` bytes, 3 or 4. Where their number is odd, the last pair is
-// made of what there is.
+// pairs. `from[1]` is null, or the other row; `pairs` is null where only luma is
+// wanted. Pixels have `pixelBytes` bytes, 3 or 4. Where their number is odd, the last
+// pair is made of what there is.
 using RgbToYuvRows = void(uint8_t* const (&luma)[2], uint8_t* pairs,
                           const uint8_t* const (&from)[2], size_t pixelBytes,
                           size_t pixels, const ChannelWeights& weights);

@@ -24,9 +24,9 @@ constexpr bool isWords565(RgbLayout layout) {
 }
 
 constexpr size_t pixelBytes(RgbLayout layout) {
-  return isWords565(layout)                                                ? 2
+  return isWords565(layout)                                         ? 2
          : layout == RgbLayout::kRgba || layout == RgbLayout::kBgra ? 4
-                                                                           : 3;
+                                                                    : 3;
 }
 
 }  // namespace zelm
