@@ -9,6 +9,7 @@
 #include "comparison.h"
 #include "reference.h"
 #include "resize/axis.h"
+#include "resize/box_average.h"
 #include "resize/scale_plane.h"
 
 namespace zelm {
@@ -150,6 +151,51 @@ TEST(Scaling, PartsAreThoseOfTheWholePlane) {
           const Range rows = i & 4 ? someOf(to.rows, &random) : Range{0, to.rows};
           test.check(columns, rows, i & 1 ? Guard::kBefore : Guard::kBehind);
           if (testing::Test::HasFatalFailure()) return;
+        }
+      }
+    }
+  }
+}
+
+// A buffer of random bytes that ends, or begins, at an inaccessible page.
+class Noise {
+ public:
+  uint8_t* place(size_t bytes, Guard guard, Random* random) {
+    uint8_t* start = buffer_.place(bytes, guard);
+    for (size_t i = 0; i < bytes; ++i) start[i] = static_cast<uint8_t>(random->next());
+    return start;
+  }
+
+ private:
+  GuardedBuffer buffer_;
+};
+
+TEST(BoxAverages, AreMeansRoundedDown) {
+  Random random(11);
+  Noise from, to;
+  for (const size_t factor : {2, 4}) {
+    for (size_t sample = 1; sample <= 4; ++sample) {
+      for (const size_t samples : {1, 7, 16, 33, 64, 131}) {
+        for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
+          const size_t bytes = samples * sample, rowBytes = factor * bytes;
+          const uint8_t* block = from.place(factor * rowBytes, guard, &random);
+          uint8_t* made = to.place(bytes, guard, &random);
+          ptrdiff_t stride = static_cast<ptrdiff_t>(rowBytes);
+          const uint8_t* first = block;
+          if (guard == Guard::kBefore) {
+            first += (factor - 1) * rowBytes;
+            stride = -stride;
+          }
+          averageKernel(factor, sample)(made, first, stride, bytes, nullptr);
+          for (size_t i = 0; i < bytes; ++i) {
+            size_t sum = 0;
+            for (size_t k = 0; k < factor * factor; ++k) {
+              const size_t x = i / sample * factor + k % factor;
+              sum += block[k / factor * rowBytes + x * sample + i % sample];
+            }
+            ASSERT_EQ(made[i], sum / (factor * factor))
+                << factor << ", " << sample << " bytes, " << samples << ", byte " << i;
+          }
         }
       }
     }
