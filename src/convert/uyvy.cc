@@ -61,9 +61,11 @@ namespace zelm {
 static void splitUyvy(const Region& luma, const Region& chroma, const Region& from) {
   const size_t groups = from.columns / 2;
   const bool stream = worthStreaming(7 * from.rows * groups);
-  const auto row = stream ? ZELM_KERNEL(splitRow<true>) : ZELM_KERNEL(splitRow<false>);
-  const auto lumaRow =
-      stream ? ZELM_KERNEL(splitLumaRow<true>) : ZELM_KERNEL(splitLumaRow<false>);
+  const size_t bytes = 2 * groups;
+  const auto row = stream ? ZELM_KERNEL_FOR(splitRow<true>, bytes)
+                          : ZELM_KERNEL_FOR(splitRow<false>, bytes);
+  const auto lumaRow = stream ? ZELM_KERNEL_FOR(splitLumaRow<true>, bytes)
+                              : ZELM_KERNEL_FOR(splitLumaRow<false>, bytes);
   for (size_t k = 0; k < from.rows / 2; ++k) {
     row(luma.row(2 * k), chroma.row(k), from.row(2 * k), groups);
     lumaRow(luma.row(2 * k + 1), from.row(2 * k + 1), groups);
