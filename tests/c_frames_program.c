@@ -10,48 +10,23 @@ static int failures = 0;
   if (!(holds)) printf("line %d: %s\n", __LINE__, #holds), ++failures
 
 /* The numbers are part of the binary interface. */
-static const int codes[][2] = {{ZELM_I420, 1},
-                               {ZELM_YV12, 2},
-                               {ZELM_NV12, 3},
-                               {ZELM_NV21, 4},
-                               {ZELM_I422, 5},
-                               {ZELM_NV16, 6},
-                               {ZELM_NV61, 7},
-                               {ZELM_YUYV, 8},
-                               {ZELM_UYVY, 9},
-                               {ZELM_GRAY8, 10},
-                               {ZELM_RGB24, 11},
-                               {ZELM_BGR24, 12},
-                               {ZELM_RGBA, 13},
-                               {ZELM_BGRA, 14},
-                               {ZELM_RGB565, 15},
-                               {ZELM_BGR565, 16},
-                               {ZELM_TILED, 17},
-                               {ZELM_BT601_FULL, 0},
-                               {ZELM_BT601_LIMITED, 1},
-                               {ZELM_BT709_FULL, 2},
-                               {ZELM_BT709_LIMITED, 3},
-                               {ZELM_BT2020_FULL, 4},
-                               {ZELM_BT2020_LIMITED, 5},
-                               {ZELM_LINEAR, 0},
-                               {ZELM_NEAREST, 1},
-                               {ZELM_CUBIC, 2},
-                               {ZELM_OK, 0},
-                               {ZELM_NULL, -1},
-                               {ZELM_BAD_SIZE, -2},
-                               {ZELM_BAD_REGION, -3},
-                               {ZELM_BAD_FORMAT, -4},
-                               {ZELM_BAD_COLOUR, -5},
-                               {ZELM_BAD_FILTER, -6},
-                               {ZELM_BAD_TURN, -7},
-                               {ZELM_BAD_PLANE, -8},
-                               {ZELM_OVERLAP, -9},
-                               {ZELM_WRONG_FRAME, -10},
-                               {ZELM_BAD_BAND, -11},
-                               {ZELM_NO_MEMORY, -12}};
+static const int codes[][2] = {
+    {ZELM_I420, 1},          {ZELM_YV12, 2},           {ZELM_NV12, 3},
+    {ZELM_NV21, 4},          {ZELM_I422, 5},           {ZELM_NV16, 6},
+    {ZELM_NV61, 7},          {ZELM_YUYV, 8},           {ZELM_UYVY, 9},
+    {ZELM_GRAY8, 10},        {ZELM_RGB24, 11},         {ZELM_BGR24, 12},
+    {ZELM_RGBA, 13},         {ZELM_BGRA, 14},          {ZELM_RGB565, 15},
+    {ZELM_BGR565, 16},       {ZELM_TILED, 17},         {ZELM_BT601_FULL, 0},
+    {ZELM_BT601_LIMITED, 1}, {ZELM_BT709_FULL, 2},     {ZELM_BT709_LIMITED, 3},
+    {ZELM_BT2020_FULL, 4},   {ZELM_BT2020_LIMITED, 5}, {ZELM_LINEAR, 0},
+    {ZELM_NEAREST, 1},       {ZELM_CUBIC, 2},          {ZELM_OK, 0},
+    {ZELM_NULL, -1},         {ZELM_BAD_SIZE, -2},      {ZELM_BAD_REGION, -3},
+    {ZELM_BAD_FORMAT, -4},   {ZELM_BAD_COLOUR, -5},    {ZELM_BAD_FILTER, -6},
+    {ZELM_BAD_TURN, -7},     {ZELM_BAD_PLANE, -8},     {ZELM_OVERLAP, -9},
+    {ZELM_WRONG_FRAME, -10}, {ZELM_BAD_BAND, -11},     {ZELM_NO_MEMORY, -12}};
 
-/* In limited range luma 16 is black and 235 white. Turned by 90 degrees and mirrored, the
- * columns of the frame are the rows of the picture. */
+/* In limited range luma 16 is black and 235 white. Turned by 90 degrees and mirrored,
+ * the columns of the frame are the rows of the picture. */
 static void convertOneFrame(void) {
   uint8_t nv12[3 * 2 + 4] = {16, 235, 126, 16, 16, 235, 128, 128, 128, 128};
   uint8_t pixels[2 * 3 * 4];
