@@ -26,6 +26,8 @@ bool compare(const Case& c, Content content, uint32_t seed,
 class OwnFrame {
  public:
   OwnFrame(uint32_t format, uint32_t width, uint32_t height, uint32_t colour = 0);
+  OwnFrame(OwnFrame&&) = default;
+  OwnFrame& operator=(OwnFrame&&) = default;
   void fill(uint32_t seed) {
     harness::fill(bytes.data(), bytes.size(), frame.width, harness::kRandom, seed);
   }
