@@ -19,3 +19,15 @@ function(zelm_library_options target)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   zelm_warnings(${target})
 endfunction()
+
+# How a shared library of ours is linked: it exports the names of the map, and needs
+# nothing but the C library and its mathematics.
+function(zelm_shared_library target map)
+  set_target_properties(${target} PROPERTIES
+    LINKER_LANGUAGE C
+    LINK_DEPENDS ${map})
+  target_link_options(${target} PRIVATE
+    -Wl,--version-script=${map} -Wl,-Bsymbolic -Wl,--no-undefined
+    -Wl,--as-needed -Wl,--gc-sections -Wl,-z,relro,-z,now,-z,noexecstack)
+  target_link_libraries(${target} PRIVATE m)
+endfunction()

@@ -11,14 +11,15 @@
 namespace zelm {
 
 // A rectangle of samples in memory. A sample is one luma byte, one chroma pair
-// or one packed pixel; `stride` is the distance of two rows in bytes.
+// or one packed pixel; `stride` is the distance of two rows in bytes, which is negative
+// where the rows are stored from the bottom up.
 struct Region {
   uint8_t* origin;
-  size_t stride;
+  ptrdiff_t stride;
   size_t columns;
   size_t rows;
 
-  uint8_t* row(size_t y) const { return origin + y * stride; }
+  uint8_t* row(size_t y) const { return origin + static_cast<ptrdiff_t>(y) * stride; }
   bool empty() const { return columns == 0 || rows == 0; }
 };
 
@@ -27,7 +28,7 @@ struct Region {
 inline Region packedRegion(const ImageStruct& image, size_t bytes) {
   const ptrdiff_t stride = static_cast<ptrdiff_t>(image.width * bytes);
   return {image.data + image.roiY * stride + image.roiX * static_cast<ptrdiff_t>(bytes),
-          static_cast<size_t>(stride), image.roiWidth, image.roiHeight};
+          stride, image.roiWidth, image.roiHeight};
 }
 
 inline Region lumaRegion(const ImageStruct& image) { return packedRegion(image, 1); }
@@ -36,8 +37,8 @@ inline Region lumaRegion(const ImageStruct& image) { return packedRegion(image, 
 // Its column is a position in bytes: it is even, so it names a whole pair.
 inline Region chromaRegionAt(const ImageStruct& image, size_t offset) {
   const ptrdiff_t stride = image.width;
-  return {image.data + offset + (image.roiY >> 1) * stride + image.roiX,
-          static_cast<size_t>(stride), static_cast<size_t>(image.roiWidth >> 1),
+  return {image.data + offset + (image.roiY >> 1) * stride + image.roiX, stride,
+          static_cast<size_t>(image.roiWidth >> 1),
           static_cast<size_t>(image.roiHeight >> 1)};
 }
 
@@ -60,7 +61,8 @@ struct RowSpan {
 // Joins rows that have no gaps between them on both sides into one long row.
 inline RowSpan joinRows(const Region& to, const Region& from, size_t rows,
                         size_t bytes) {
-  if (to.stride == bytes && from.stride == bytes) return {1, rows * bytes};
+  const ptrdiff_t packed = static_cast<ptrdiff_t>(bytes);
+  if (to.stride == packed && from.stride == packed) return {1, rows * bytes};
   return {rows, bytes};
 }
 

@@ -110,8 +110,8 @@ extern "C" void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   const Region lumaTo = lumaRegion(*dst), chromaTo = chromaRegion(*dst);
   const size_t bytes = dst->roiWidth;
   // Planes that follow each other on both sides are one plane.
-  if (chroma.origin == luma.origin + luma.rows * luma.stride &&
-      chromaTo.origin == lumaTo.origin + luma.rows * lumaTo.stride) {
+  if (chroma.origin == luma.row(luma.rows) &&
+      chromaTo.origin == lumaTo.row(luma.rows)) {
     copyRows(lumaTo, luma, luma.rows + chroma.rows, bytes);
     return;
   }

@@ -208,7 +208,8 @@ extern "C" void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
 extern "C" void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const size_t columns = dst->roiWidth;
-  const Region to = {dst->data, 3 * columns, columns, dst->roiHeight};
+  const Region to = {dst->data, static_cast<ptrdiff_t>(3 * columns), columns,
+                     dst->roiHeight};
   scalePlane(ZELM_KERNEL(scale3Channels), to, packedRegion(*src, 3), 3);
 }
 #endif  // HWY_ONCE

@@ -22,7 +22,7 @@ namespace {
 // Makes one destination row of `bytes` bytes. A sample is kSample interleaved bytes,
 // which are averaged separately.
 template <size_t kFactor, size_t kSample>
-HWY_INLINE void averageRow(uint8_t* to, const uint8_t* from, size_t stride,
+HWY_INLINE void averageRow(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
                            size_t bytes, [[maybe_unused]] const uint8_t* next) {
   size_t done = 0;
 #if ZELM_VECTORS
@@ -32,25 +32,26 @@ HWY_INLINE void averageRow(uint8_t* to, const uint8_t* from, size_t stride,
     const uint8_t* block = from + i / kSample * kFactor * kSample + i % kSample;
     unsigned sum = 0;
     for (size_t y = 0; y < kFactor; ++y) {
-      for (size_t x = 0; x < kFactor; ++x) sum += block[y * stride + x * kSample];
+      const uint8_t* row = block + static_cast<ptrdiff_t>(y) * stride;
+      for (size_t x = 0; x < kFactor; ++x) sum += row[x * kSample];
     }
     to[i] = static_cast<uint8_t>(sum / (kFactor * kFactor));
   }
 }
 
-void lumaBy2(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+void lumaBy2(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes,
              const uint8_t* next) {
   averageRow<2, 1>(to, from, stride, bytes, next);
 }
-void chromaBy2(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+void chromaBy2(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes,
                const uint8_t* next) {
   averageRow<2, 2>(to, from, stride, bytes, next);
 }
-void lumaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+void lumaBy4(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes,
              const uint8_t* next) {
   averageRow<4, 1>(to, from, stride, bytes, next);
 }
-void chromaBy4(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
+void chromaBy4(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes,
                const uint8_t* next) {
   averageRow<4, 2>(to, from, stride, bytes, next);
 }
@@ -62,8 +63,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-using AverageRow = void(uint8_t* to, const uint8_t* from, size_t stride, size_t bytes,
-                        const uint8_t* next);
+using AverageRow = void(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
+                        size_t bytes, const uint8_t* next);
 
 static void averagePlane(AverageRow* average, const Region& to, const Region& from,
                          size_t factor, size_t sample) {

@@ -17,7 +17,7 @@ template <size_t kFactor, size_t kSample>
 struct Rows {
   const uint8_t *a, *b, *c, *d;
 
-  HWY_INLINE Rows(const uint8_t* from, size_t stride)
+  HWY_INLINE Rows(const uint8_t* from, ptrdiff_t stride)
       : a(from), b(from + stride), c(from + 2 * stride), d(from + 3 * stride) {}
 
   // Returns the sums of 2 x kFactor samples for the next 32 bytes of the rows. Luma:
@@ -73,7 +73,7 @@ HWY_INLINE void averageBlock(uint8_t*& to, Rows<kFactor, kSample>& rows) {
 }
 
 template <size_t kFactor, size_t kSample>
-HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, size_t stride,
+HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
                                 size_t bytes, const uint8_t*) {
   if (bytes < kBlock<kFactor>) return 0;
   Rows<kFactor, kSample> rows(from, stride);

@@ -28,17 +28,17 @@ HWY_INLINE Vec<U16> sideBySide(Vec<U16> v) {
 
 // Returns the sums of 2 x kRows samples for a vector's width of bytes at `from`.
 template <size_t kRows, size_t kSample>
-HWY_INLINE Vec<U16> sumPairs(const uint8_t* from, size_t stride) {
+HWY_INLINE Vec<U16> sumPairs(const uint8_t* from, ptrdiff_t stride) {
   Vec<U16> sum = hn::Zero(u16);
   for (size_t y = 0; y < kRows; ++y) {
-    const Vec<U8> v = load(from + y * stride);
+    const Vec<U8> v = load(from + static_cast<ptrdiff_t>(y) * stride);
     sum = hn::Add(sum, pairSums(kSample == 2 ? sideBySide(v) : v));
   }
   return sum;
 }
 
 template <size_t kSample>
-HWY_INLINE Vec<U8> averageBy2(const uint8_t* from, size_t stride) {
+HWY_INLINE Vec<U8> averageBy2(const uint8_t* from, ptrdiff_t stride) {
   const auto mean = [&](size_t at) HWY_ATTR {
     return hn::ShiftRight<2>(sumPairs<2, kSample>(from + at, stride));
   };
@@ -46,7 +46,7 @@ HWY_INLINE Vec<U8> averageBy2(const uint8_t* from, size_t stride) {
 }
 
 template <size_t kSample>
-HWY_INLINE Vec<U8> averageBy4(const uint8_t* from, size_t stride) {
+HWY_INLINE Vec<U8> averageBy4(const uint8_t* from, ptrdiff_t stride) {
   // Pair sums of four rows are at most 2040, so four of them fit in 16 bits.
   const auto mean = [&](size_t at) HWY_ATTR {
     Vec<U16> sum = sumPairs<4, kSample>(from + at, stride);
@@ -65,18 +65,18 @@ HWY_INLINE Vec<U8> averageBy4(const uint8_t* from, size_t stride) {
 // gains where a plane does not fit in the caches, because several rows are read at
 // once.
 template <size_t kFactor>
-HWY_INLINE void prefetchBlock(const uint8_t* from, size_t stride, size_t column) {
+HWY_INLINE void prefetchBlock(const uint8_t* from, ptrdiff_t stride, size_t column) {
   constexpr size_t kLine = 64;
   if (column % kLine != 0) return;
   for (size_t y = 0; y < kFactor; ++y) {
     for (size_t x = 0; x < kFactor * kBytes; x += kLine) {
-      __builtin_prefetch(from + y * stride + column + x);
+      __builtin_prefetch(from + static_cast<ptrdiff_t>(y) * stride + column + x);
     }
   }
 }
 
 template <size_t kFactor, size_t kSample>
-HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, size_t stride,
+HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
                                 size_t bytes, const uint8_t* next) {
   return inBlocks(bytes, kBytes, [&](size_t i) HWY_ATTR {
     if (next != nullptr) prefetchBlock<kFactor>(next, stride, kFactor * i);

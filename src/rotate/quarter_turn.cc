@@ -108,15 +108,15 @@ extern "C" void rotate90_Y(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const Region from = lumaRegion(*src), to = lumaRegion(*dst);
   if (from.empty()) return;
-  transpose(to.origin, static_cast<ptrdiff_t>(to.stride), from.row(from.rows - 1),
-            -static_cast<ptrdiff_t>(from.stride), from.rows, from.columns);
+  transpose(to.origin, to.stride, from.row(from.rows - 1), -from.stride, from.rows,
+            from.columns);
 }
 
 extern "C" void rotate270_Y(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const Region from = lumaRegion(*src), to = lumaRegion(*dst);
   if (from.empty()) return;
-  transpose(to.row(from.columns - 1), -static_cast<ptrdiff_t>(to.stride), from.origin,
-            static_cast<ptrdiff_t>(from.stride), from.rows, from.columns);
+  transpose(to.row(from.columns - 1), -to.stride, from.origin, from.stride, from.rows,
+            from.columns);
 }
 #endif  // HWY_ONCE
