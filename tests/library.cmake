@@ -30,7 +30,7 @@ function(zelm_instruction_set_program name)
   target_include_directories(${name} SYSTEM PRIVATE
     $<TARGET_PROPERTY:zelm_kernels,INCLUDE_DIRECTORIES>)
   zelm_warnings(${name})
-  target_link_options(${name} PRIVATE -Wl,--wrap=malloc,--wrap=free)
+  target_link_options(${name} PRIVATE -Wl,--wrap=malloc,--wrap=calloc,--wrap=free)
 endfunction()
 
 # zelm_instruction_set_tests(<program> <prefix> <rest>)
