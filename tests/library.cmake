@@ -21,8 +21,8 @@ if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND
 endif()
 
 # zelm_instruction_set_program(<name> <source>...)
-# A program of tests that can be run with each instruction set as its ceiling. Its own
-# kernel is compiled like those of the library.
+# A program of tests that can be run with each instruction set as its ceiling. Kernels in
+# it, and what calls kernels by their headers, are compiled like the library.
 function(zelm_instruction_set_program name)
   add_executable(${name} instruction_set_test.cc ${ARGN})
   target_compile_definitions(${name} PRIVATE
@@ -47,7 +47,7 @@ function(zelm_instruction_set_tests program prefix rest)
   endif()
 endfunction()
 
-zelm_instruction_set_program(library_test)
+zelm_instruction_set_program(library_test kernels_test.cc)
 target_link_libraries(library_test PRIVATE zelm_comparisons zelm_objects_with_ceiling)
 zelm_instruction_set_tests(library_test library "")
 

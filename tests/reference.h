@@ -31,6 +31,21 @@ Stage resize_linear3ch, resize_cubic, resize_cubicVU;
 Stage resize_averageOfPixel2_420LP, resize_averageOfPixel4_420LP;
 Stage rotate0_Y, rotate90_Y, rotate180_Y, rotate270_Y;
 
+// A region of a plane whose samples have `channels` interleaved bytes.
+struct Plane {
+  uint8_t* origin;
+  size_t stride;
+  int rows, columns, channels;
+
+  uint8_t& at(int row, int column, int channel = 0) const {
+    return origin[row * stride + static_cast<size_t>(column) * channels + channel];
+  }
+};
+
+// The scaling methods.
+using Scale = void(const Plane& out, const Plane& in);
+Scale scaleNearest, scaleLinear, scaleCubic;
+
 // How many samples a frame has, and the next multiple of 16.
 inline size_t area(const ImageStruct& i) {
   return static_cast<size_t>(i.width) * i.height;

@@ -6,17 +6,6 @@
 namespace reference {
 namespace {
 
-// A region of a plane whose samples have `channels` interleaved bytes.
-struct Plane {
-  uint8_t* origin;
-  size_t stride;
-  int rows, columns, channels;
-
-  uint8_t& at(int row, int column, int channel = 0) const {
-    return origin[row * stride + static_cast<size_t>(column) * channels + channel];
-  }
-};
-
 Plane luma(const ImageStruct& i) {
   const size_t offset = static_cast<size_t>(i.roiY) * i.width + i.roiX;
   return {i.data + offset, i.width, i.roiHeight, i.roiWidth, 1};
@@ -159,21 +148,6 @@ Position positionOf(uint64_t step, int i) {
 
 int limited(int i, int extent) { return std::max(0, std::min(i, extent - 1)); }
 
-void scaleNearest(const Plane& out, const Plane& in) {
-  if (in.rows == 0 || in.columns == 0) return;
-  const uint64_t stepY = stepOf(in.rows, out.rows);
-  const uint64_t stepX = stepOf(in.columns, out.columns);
-  for (int j = 0; j < out.rows; ++j) {
-    for (int i = 0; i < out.columns; ++i) {
-      const int y = static_cast<int>((0x80000000u + j * stepY) >> 32);
-      const int x = static_cast<int>((0x80000000u + i * stepX) >> 32);
-      for (int c = 0; c < in.channels; ++c) {
-        out.at(j, i, c) = in.at(limited(y, in.rows), limited(x, in.columns), c);
-      }
-    }
-  }
-}
-
 // Four weights for the samples index - 1 to index + 2.
 struct Taps {
   int64_t weight[4];
@@ -239,6 +213,28 @@ void turn(const Plane& out, const Plane& in, bool quarter, Sample sample) {
 
 }  // namespace
 
+void scaleNearest(const Plane& out, const Plane& in) {
+  if (in.rows == 0 || in.columns == 0) return;
+  const uint64_t stepY = stepOf(in.rows, out.rows);
+  const uint64_t stepX = stepOf(in.columns, out.columns);
+  for (int j = 0; j < out.rows; ++j) {
+    for (int i = 0; i < out.columns; ++i) {
+      const int y = static_cast<int>((0x80000000u + j * stepY) >> 32);
+      const int x = static_cast<int>((0x80000000u + i * stepX) >> 32);
+      for (int c = 0; c < in.channels; ++c) {
+        out.at(j, i, c) = in.at(limited(y, in.rows), limited(x, in.columns), c);
+      }
+    }
+  }
+}
+
+void scaleLinear(const Plane& out, const Plane& in) {
+  scaleFiltered(out, in, linearTaps);
+}
+void scaleCubic(const Plane& out, const Plane& in) {
+  scaleFiltered(out, in, cubicTaps);
+}
+
 void convYUV420SP_RGBA8888(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 4); }
 void convYUV420SP_RGB888(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 3); }
 void convYUV420SP_RGB565(ImageStruct* dst, ImageStruct* src) { toRgb(*dst, *src, 2); }
@@ -265,19 +261,19 @@ void resize_nearestVU(ImageStruct* dst, ImageStruct* src) {
   scaleNearest(chroma(*dst), chroma(*src));
 }
 void resize_linear(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(luma(*dst), luma(*src), linearTaps);
+  scaleLinear(luma(*dst), luma(*src));
 }
 void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(chroma(*dst), chroma(*src), linearTaps);
+  scaleLinear(chroma(*dst), chroma(*src));
 }
 void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(block(*dst, 3), packed(*src, 3), linearTaps);
+  scaleLinear(block(*dst, 3), packed(*src, 3));
 }
 void resize_cubic(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(luma(*dst), luma(*src), cubicTaps);
+  scaleCubic(luma(*dst), luma(*src));
 }
 void resize_cubicVU(ImageStruct* dst, ImageStruct* src) {
-  scaleFiltered(chroma(*dst), chroma(*src), cubicTaps);
+  scaleCubic(chroma(*dst), chroma(*src));
 }
 
 void resize_averageOfPixel2_420LP(ImageStruct* dst, ImageStruct* src) {

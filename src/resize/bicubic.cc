@@ -21,7 +21,6 @@
 #include "resize/scaler-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
-#include "zelm_imageutil.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
@@ -38,7 +37,7 @@ struct Bicubic {
   // Four rows of 32-bit lanes are kept, and stay in the first-level cache beside the
   // tables.
   static constexpr size_t kSample = kSampleBytes, kTaps = 4, kPicks = 2,
-                          kStrip = kStripBytes / 4;
+                          kStrip = stripBytes(kSample, 512);
   using Filtered = int32_t;
 
   struct Tap {
@@ -69,8 +68,7 @@ struct Bicubic {
    public:
     static constexpr bool kDirect = false, kKept = true;
 
-    PlainColumns(const Axis& across, size_t first, size_t bytes, size_t)
-        : bytes_(bytes) {
+    PlainColumns(const Axis& across, size_t first, size_t bytes) : bytes_(bytes) {
       for (size_t i = 0; i < bytes; ++i) {
         const Tap tap = tapOf(across, first + i);
         for (size_t t = 0; t < 4; ++t) {
@@ -186,12 +184,7 @@ struct Bicubic {
 #endif  // ZELM_VECTORS
 };
 
-void scaleLuma(const Region& to, const Region& from) {
-  Scaler<Bicubic<1>>(to, from).scale();
-}
-void scaleChroma(const Region& to, const Region& from) {
-  Scaler<Bicubic<2>>(to, from).scale();
-}
+ScalePart* kernelOf(size_t sample) { return scalerOf<Bicubic>(sample); }
 
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
@@ -200,13 +193,7 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-extern "C" void resize_cubic(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  scalePlane(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
-}
-
-extern "C" void resize_cubicVU(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  scalePlane(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
+zelm::ScalePart* zelm::bicubicKernel(size_t sample) {
+  return ZELM_KERNEL(kernelOf)(sample);
 }
 #endif  // HWY_ONCE

@@ -18,7 +18,6 @@
 #include "resize/scaler-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
-#include "zelm_imageutil.h"
 
 // What differs between instruction sets:
 //   leftPlace(lane), kRightPlace
@@ -43,7 +42,7 @@ namespace {
 template <size_t kSampleBytes>
 struct Bilinear {
   static constexpr size_t kSample = kSampleBytes, kTaps = 2, kPicks = 2,
-                          kStrip = kStripBytes;
+                          kStrip = stripBytes(kSample, 2048);
   using Filtered = int16_t;
 
   struct Tap {
@@ -76,8 +75,7 @@ struct Bilinear {
    public:
     static constexpr bool kDirect = false, kKept = true;
 
-    PlainColumns(const Axis& across, size_t first, size_t bytes, size_t)
-        : bytes_(bytes) {
+    PlainColumns(const Axis& across, size_t first, size_t bytes) : bytes_(bytes) {
       for (size_t i = 0; i < bytes; ++i) tap_[i] = tapOf(across, first + i);
     }
 
@@ -177,15 +175,7 @@ struct Bilinear {
 #endif  // ZELM_VECTORS
 };
 
-void scaleLuma(const Region& to, const Region& from) {
-  Scaler<Bilinear<1>>(to, from).scale();
-}
-void scaleChroma(const Region& to, const Region& from) {
-  Scaler<Bilinear<2>>(to, from).scale();
-}
-void scale3Channels(const Region& to, const Region& from) {
-  Scaler<Bilinear<3>>(to, from).scale();
-}
+ScalePart* kernelOf(size_t sample) { return scalerOf<Bilinear>(sample); }
 
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
@@ -194,22 +184,7 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-extern "C" void resize_linear(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  scalePlane(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
-}
-
-extern "C" void resize_linearVU(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  scalePlane(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
-}
-
-// The destination is a packed block at `data`.
-extern "C" void resize_linear3ch(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  const size_t columns = dst->roiWidth;
-  const Region to = {dst->data, static_cast<ptrdiff_t>(3 * columns), columns,
-                     dst->roiHeight};
-  scalePlane(ZELM_KERNEL(scale3Channels), to, packedRegion(*src, 3), 3);
+zelm::ScalePart* zelm::bilinearKernel(size_t sample) {
+  return ZELM_KERNEL(kernelOf)(sample);
 }
 #endif  // HWY_ONCE

@@ -8,7 +8,6 @@
 #include "resize/scaler-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
-#include "zelm_imageutil.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
@@ -17,7 +16,7 @@ namespace {
 template <size_t kSampleBytes>
 struct Nearest {
   static constexpr size_t kSample = kSampleBytes, kTaps = 1, kPicks = 1,
-                          kStrip = kStripBytes;
+                          kStrip = stripBytes(kSample, 2048);
 
   struct Tap {
     size_t position;
@@ -36,7 +35,7 @@ struct Nearest {
    public:
     static constexpr bool kDirect = true, kKept = false;
 
-    PlainColumns(const Axis& across, size_t first, size_t bytes, size_t)
+    PlainColumns(const Axis& across, size_t first, size_t bytes)
         : samples_(bytes / kSample) {
       for (size_t i = 0; i < samples_; ++i) {
         position_[i] =
@@ -84,12 +83,7 @@ struct Nearest {
 #endif
 };
 
-void scaleLuma(const Region& to, const Region& from) {
-  Scaler<Nearest<1>>(to, from).scale();
-}
-void scaleChroma(const Region& to, const Region& from) {
-  Scaler<Nearest<2>>(to, from).scale();
-}
+ScalePart* kernelOf(size_t sample) { return scalerOf<Nearest>(sample); }
 
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
@@ -98,13 +92,7 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-extern "C" void resize_nearest(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  scalePlane(ZELM_KERNEL(scaleLuma), lumaRegion(*dst), lumaRegion(*src), 1);
-}
-
-extern "C" void resize_nearestVU(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  scalePlane(ZELM_KERNEL(scaleChroma), chromaRegion(*dst), chromaRegion(*src), 2);
+zelm::ScalePart* zelm::nearestKernel(size_t sample) {
+  return ZELM_KERNEL(kernelOf)(sample);
 }
 #endif  // HWY_ONCE

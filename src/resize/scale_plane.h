@@ -1,4 +1,5 @@
-// Scaling of a whole plane: what every scaler does before its kernel is called.
+// Scaling of planes: the kernels of the three methods, for the whole of a plane or for
+// a part of it.
 #ifndef ZELM_SRC_RESIZE_SCALE_PLANE_H_
 #define ZELM_SRC_RESIZE_SCALE_PLANE_H_
 
@@ -8,17 +9,26 @@
 
 namespace zelm {
 
-// Nothing is made out of nothing, and equal extents are a copy. A sample has `sample`
-// bytes.
-template <class Kernel>
-void scalePlane(Kernel* kernel, const Region& to, const Region& from, size_t sample) {
-  if (from.empty()) return;
-  if (to.columns == from.columns && to.rows == from.rows) {
-    copyRows(to, from, to.rows, to.columns * sample);
-  } else {
-    kernel(to, from);
-  }
-}
+// Which part of a scaled plane is made: where it begins, and how large the whole plane
+// would be.
+struct PlanePart {
+  size_t column, row, wholeColumns, wholeRows;
+};
+
+// Makes to.columns x to.rows samples, the part of the plane of wholeColumns x wholeRows
+// that `from` is scaled to. The bytes are those that the whole plane has there.
+//
+// Of `from` only the rows and columns that the part is made of need to exist: from the
+// first to the last sample that its samples lie on (nearest), the one at or before each
+// and the next one (bilinear), and one more on both sides (bicubic). In each of these
+// rows up to 64 bytes before and behind those columns are read as well, but nothing
+// outside of the row.
+using ScalePart = void(const Region& to, const Region& from, const PlanePart& part);
+
+// Return the kernel for samples of 1 to 4 bytes.
+ScalePart* nearestKernel(size_t sample);
+ScalePart* bilinearKernel(size_t sample);
+ScalePart* bicubicKernel(size_t sample);
 
 }  // namespace zelm
 

@@ -13,7 +13,8 @@
 //   RowTap(axis, y)    the source rows of a destination row, row[kTaps], and weights
 //   PlainColumns, VectorColumns<pieces>
 //                      what is known of the columns of a strip, constructed with the
-//                      axis, the strip's first byte, its bytes, a source row's bytes
+//                      axis, the strip's first byte within a row of the whole plane,
+//                      its bytes, and vectors with the bytes of a source row
 //
 // Columns make a row of their strip by makeRow(to, rows, tap, next), where rows are
 // source rows if kDirect, filtered rows if kKept, either if both. `next` is the source
@@ -33,13 +34,17 @@
 #include "plane.h"
 #include "resize/axis.h"
 #include "resize/picks-inl.h"
+#include "resize/scale_plane.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
-// The bytes of a strip, such that tables and filtered rows fit on a small stack.
-constexpr size_t kStripBytes = 2048;
+// Returns the bytes of a strip: at most `most`, such that tables and filtered rows fit
+// on a small stack, and a whole number of samples and of vectors.
+constexpr size_t stripBytes(size_t sample, size_t most) {
+  return most - most % (64 * sample);
+}
 
 #if ZELM_VECTORS
 // The tables of a strip. A vector is picked in M::kPicks units, and a unit makes kBytes
@@ -74,17 +79,6 @@ class UnitTables {
 };
 #endif  // ZELM_VECTORS
 
-// The source rows of a strip as they are.
-class SourceRows {
- public:
-  explicit SourceRows(const Region& from) : from_(from) {}
-
-  HWY_INLINE const uint8_t* get(size_t y) const { return from_.row(y); }
-
- private:
-  const Region& from_;
-};
-
 // The last filtered rows of a strip. Row y is kept in place y mod kTaps, so the rows of
 // one destination row, being neighbours, never push each other out, and when a plane is
 // enlarged every source row is filtered once.
@@ -117,11 +111,12 @@ class FilteredRows {
 template <class M>
 class Scaler {
  public:
-  Scaler(const Region& to, const Region& from)
+  Scaler(const Region& to, const Region& from, const PlanePart& part)
       : to_(to),
         from_(from),
-        across_(from.columns, to.columns),
-        down_(from.rows, to.rows) {}
+        part_(part),
+        across_(from.columns, part.wholeColumns),
+        down_(from.rows, part.wholeRows) {}
 
   HWY_INLINE void scale() const {
     const size_t rowBytes = to_.columns * M::kSample;
@@ -135,49 +130,57 @@ class Scaler {
   // Vectors are used if rows are long enough for them and sources lie close enough
   // together.
   HWY_INLINE void scaleColumns(size_t first, size_t bytes) const {
-    const size_t sourceBytes = from_.columns * M::kSample;
+    const size_t inWhole = part_.column * M::kSample + first;
 #if ZELM_VECTORS
+    // Where the row ends for the pieces of vectors: they reach 64 bytes behind the last
+    // column that the strip needs, if the row does.
+    const size_t rowBytes = from_.columns * M::kSample;
+    const size_t lastColumn = across_.before((inWhole + bytes - 1) / M::kSample);
+    const size_t reach = (lastColumn + 1 + M::kTaps / 2) * M::kSample + 64;
     const size_t span = spanOf<M::kSample>(across_, kPieceBytes / M::kPicks, M::kTaps);
-    if (bytes >= kBytes && sourceBytes >= kPieceBytes &&
+    if (bytes >= kBytes && rowBytes >= kPieceBytes &&
         withPieces(span, [&](auto pieces) HWY_ATTR {
           using Columns = typename M::template VectorColumns<pieces>;
-          scaleStrip(Columns(across_, first, bytes, sourceBytes), first, bytes);
+          scaleStrip(
+              Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach),
+              first, bytes);
         })) {
       return;
     }
 #endif
-    scaleStrip(typename M::PlainColumns(across_, first, bytes, sourceBytes), first,
-               bytes);
+    scaleStrip(typename M::PlainColumns(across_, inWhole, bytes), first, bytes);
   }
 
   // Where reducing leaves little of a filtered row to use again, none is kept.
   template <class Columns>
   HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
     if constexpr (Columns::kDirect) {
-      if (!Columns::kKept || 2 * from_.rows >= 3 * to_.rows) {
-        makeRows(SourceRows(from_), columns, first, bytes);
+      if (!Columns::kKept || 2 * from_.rows >= 3 * part_.wholeRows) {
+        makeRows([&](size_t y) HWY_ATTR -> const uint8_t* { return from_.row(y); },
+                 columns, first, bytes);
         return;
       }
     }
     if constexpr (Columns::kKept) {
-      makeRows(FilteredRows<M, Columns>(from_, columns), columns, first, bytes);
+      FilteredRows<M, Columns> rows(from_, columns);
+      makeRows([&](size_t y) HWY_ATTR { return rows.get(y); }, columns, first, bytes);
     }
   }
 
-  template <class Rows, class Columns>
-  HWY_INLINE void makeRows(Rows&& rows, const Columns& columns, size_t first,
+  template <class Row, class Columns>
+  HWY_INLINE void makeRows(const Row& rowAt, const Columns& columns, size_t first,
                            size_t bytes) const {
-    const bool reducing = to_.rows < from_.rows;
+    const bool reducing = part_.wholeRows < from_.rows;
     size_t previous = SIZE_MAX;
-    typename M::RowTap tap(down_, 0);
+    typename M::RowTap tap(down_, part_.row);
     for (size_t y = 0; y < to_.rows; ++y) {
       uint8_t* row = to_.row(y) + first;
-      const typename M::RowTap next(down_, y + 1 < to_.rows ? y + 1 : y);
+      const typename M::RowTap next(down_, part_.row + (y + 1 < to_.rows ? y + 1 : y));
       if (M::kTaps == 1 && tap.row[0] == previous) {
         copyBytes(row, row - to_.stride, bytes);
       } else {
         const uint8_t* ahead = reducing ? from_.row(next.row[0]) : nullptr;
-        makeRow(rows, columns, row, tap, ahead, std::make_index_sequence<M::kTaps>());
+        makeRow(rowAt, columns, row, tap, ahead, std::make_index_sequence<M::kTaps>());
       }
       previous = tap.row[0];
       tap = next;
@@ -186,18 +189,32 @@ class Scaler {
 
   // The rows are taken one by one, not in a loop, so that their addresses stay in
   // registers.
-  template <class Rows, class Columns, size_t... kTap>
-  static HWY_INLINE void makeRow(Rows&& rows, const Columns& columns, uint8_t* to,
+  template <class Row, class Columns, size_t... kTap>
+  static HWY_INLINE void makeRow(const Row& rowAt, const Columns& columns, uint8_t* to,
                                  const typename M::RowTap& tap, const uint8_t* ahead,
                                  std::index_sequence<kTap...>) {
-    decltype(rows.get(0)) const taken[] = {rows.get(tap.row[kTap])...};
+    decltype(rowAt(0)) const taken[] = {rowAt(tap.row[kTap])...};
     columns.makeRow(to, taken, tap, ahead);
   }
 
   const Region& to_;
   const Region& from_;
+  const PlanePart& part_;
   const Axis across_, down_;
 };
+
+template <class M>
+void scalePart(const Region& to, const Region& from, const PlanePart& part) {
+  Scaler<M>(to, from, part).scale();
+}
+
+// Returns the kernel of a method for samples of 1 to 4 bytes.
+template <template <size_t kSample> class Method>
+ScalePart* scalerOf(size_t sample) {
+  ScalePart* const scalers[] = {scalePart<Method<1>>, scalePart<Method<2>>,
+                                scalePart<Method<3>>, scalePart<Method<4>>};
+  return scalers[sample - 1];
+}
 
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE

@@ -1,0 +1,160 @@
+// Kernels that another library calls through their headers, where the stages do not
+// show all that they can do: parts of planes, samples of every size, strides of either
+// sign.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "comparison.h"
+#include "reference.h"
+#include "resize/axis.h"
+#include "resize/scale_plane.h"
+
+namespace zelm {
+namespace {
+
+using harness::Random;
+using Bytes = std::vector<uint8_t>;
+using Guard = GuardedBuffer::Guard;
+
+Bytes randomBytes(size_t size, Random* random) {
+  Bytes bytes(size);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random->next());
+  return bytes;
+}
+
+// ------------------------------------------------------------------------ scaling
+
+struct Range {
+  size_t first, end;
+};
+
+// A method, and which source samples the destination samples of a range are made of.
+struct Method {
+  const char* name;
+  ScalePart* (*kernelOf)(size_t sample);
+  reference::Scale* rule;
+  bool nearest;
+  size_t before, behind;
+
+  Range sources(const Axis& axis, const Range& made) const {
+    const size_t last = made.end - 1;
+    if (nearest) return {axis.nearest(made.first), axis.nearest(last) + 1};
+    const size_t first = axis.before(made.first);
+    return {first - std::min(first, before),
+            axis.clamp(axis.before(last) + behind) + 1};
+  }
+};
+
+const Method methods[] = {
+    {"nearest", nearestKernel, reference::scaleNearest, true, 0, 0},
+    {"bilinear", bilinearKernel, reference::scaleLinear, false, 0, 1},
+    {"bicubic", bicubicKernel, reference::scaleCubic, false, 1, 2},
+};
+
+struct Extents {
+  size_t columns, rows;
+};
+
+// Makes a part of a plane out of no more than what may be read, between guards.
+class PartTest {
+ public:
+  PartTest(const Method& method, size_t sample, Extents from, Extents to)
+      : method_(method),
+        sample_(sample),
+        from_(from),
+        to_(to),
+        source_(randomBytes(from.columns * from.rows * sample, &random_)),
+        whole_(to.columns * to.rows * sample) {
+    method.rule(plane(&whole_, to), plane(&source_, from));
+  }
+
+  // The destination rows are stored from the bottom up every other time.
+  void check(const Range& columns, const Range& rows, Guard guard) {
+    const Range fromRows = method_.sources(Axis(from_.rows, to_.rows), rows);
+    const Range fromColumns =
+        method_.sources(Axis(from_.columns, to_.columns), columns);
+    const Range readable = {
+        fromColumns.first * sample_ - std::min<size_t>(64, fromColumns.first * sample_),
+        std::min(fromColumns.end * sample_ + 64, rowBytes(from_))};
+    const size_t stride = readable.end - readable.first;
+    uint8_t* block = buffer_.place(stride * (fromRows.end - fromRows.first), guard);
+    for (size_t y = fromRows.first; y < fromRows.end; ++y) {
+      std::copy_n(&source_[y * rowBytes(from_) + readable.first], stride,
+                  block + (y - fromRows.first) * stride);
+    }
+    const Region from = {block - fromRows.first * stride - readable.first,
+                         static_cast<ptrdiff_t>(stride), from_.columns, from_.rows};
+
+    const size_t bytes = (columns.end - columns.first) * sample_;
+    const size_t count = rows.end - rows.first, toStride = bytes + 5;
+    Bytes made(toStride * count, 0xA5), expected = made;
+    Region to = {made.data(), static_cast<ptrdiff_t>(toStride),
+                 columns.end - columns.first, count};
+    if (upwards_) to = {to.row(count - 1), -to.stride, to.columns, to.rows};
+    for (size_t y = 0; y < count; ++y) {
+      std::copy_n(&whole_[(rows.first + y) * rowBytes(to_) + columns.first * sample_],
+                  bytes, &expected[(upwards_ ? count - 1 - y : y) * toStride]);
+    }
+    method_.kernelOf(sample_)(to, from,
+                              {columns.first, rows.first, to_.columns, to_.rows});
+    upwards_ = !upwards_;
+    ASSERT_EQ(made, expected) << method_.name << ", " << sample_ << " bytes, "
+                              << from_.columns << " x " << from_.rows << " to "
+                              << to_.columns << " x " << to_.rows << ", columns "
+                              << columns.first << " to " << columns.end << ", rows "
+                              << rows.first << " to " << rows.end;
+  }
+
+ private:
+  size_t rowBytes(const Extents& plane) const { return plane.columns * sample_; }
+  reference::Plane plane(Bytes* bytes, const Extents& of) const {
+    return {bytes->data(), rowBytes(of), static_cast<int>(of.rows),
+            static_cast<int>(of.columns), static_cast<int>(sample_)};
+  }
+
+  const Method& method_;
+  const size_t sample_;
+  const Extents from_, to_;
+  Random random_{7};
+  Bytes source_, whole_;
+  GuardedBuffer buffer_;
+  bool upwards_ = false;
+};
+
+Range someOf(size_t extent, Random* random) {
+  const size_t first = static_cast<size_t>(random->below(static_cast<int>(extent)));
+  return {
+      first,
+      first + 1 + static_cast<size_t>(random->below(static_cast<int>(extent - first)))};
+}
+
+TEST(Scaling, PartsAreThoseOfTheWholePlane) {
+  // Enlarged, the same, halved, reduced as far as vectors go and further; the wide ones
+  // are made in more than one strip.
+  const Extents sizes[][2] = {
+      {{300, 7}, {450, 11}}, {{97, 9}, {97, 9}},    {{400, 10}, {200, 5}},
+      {{700, 9}, {210, 13}}, {{1500, 8}, {190, 3}}, {{1300, 3}, {1100, 5}},
+      {{5, 3}, {200, 4}},    {{3000, 2}, {9, 2}},   {{1, 1}, {80, 3}},
+  };
+  Random random(3);
+  for (const Method& method : methods) {
+    for (size_t sample = 1; sample <= 4; ++sample) {
+      for (const auto& [from, to] : sizes) {
+        PartTest test(method, sample, from, to);
+        for (int i = 0; i < 8; ++i) {
+          // The whole, then bands of rows, bands of columns, and both.
+          const Range columns =
+              i & 2 ? someOf(to.columns, &random) : Range{0, to.columns};
+          const Range rows = i & 4 ? someOf(to.rows, &random) : Range{0, to.rows};
+          test.check(columns, rows, i & 1 ? Guard::kBefore : Guard::kBehind);
+          if (testing::Test::HasFatalFailure()) return;
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zelm
