@@ -42,6 +42,10 @@ struct Shape {
   Size reduced() const { return {source.columns >> halvings, source.rows >> halvings}; }
   Size result() const { return turned(scaled, turn); }
   bool isScaled() const { return !(reduced() == scaled); }
+  bool changes() const {
+    return halvings > 0 || isScaled() || turn.transposed || turn.columnsReversed ||
+           turn.rowsReversed;
+  }
 };
 
 // Makes a rectangle of a layer that is shaped. Returns where it lies: in the source, in

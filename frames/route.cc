@@ -4,6 +4,7 @@
 
 #include "convert/chroma_422.h"
 #include "convert/pairs.h"
+#include "frames/kernels/bytes.h"
 #include "frames/kernels/pixels.h"
 #include "frames/kernels/recolour.h"
 #include "frames/pair_rows.h"
@@ -182,9 +183,42 @@ bool makeChromaInPlace(Band& band) {
   return true;
 }
 
+// Packed frames that are neither shaped nor recoloured are read once for luma and
+// chroma.
+bool isSplit(const Route& route) {
+  return route.from->layout == Layout::kPacked && route.to->layout != Layout::kPacked &&
+         route.work == route.to->sampling && !route.recolours && !route.luma.changes();
+}
+
+void splitPackedRows(Band& band) {
+  const Route& route = band.route;
+  const Target& target = band.target;
+  const Region& from = band.layers.luma.plane;
+  const auto split = splitPackedKernel();
+  const size_t shared = route.rowsShared();
+  for (size_t y = 0; y < band.rows; y += shared) {
+    const size_t row = band.first + y;
+    const bool two = shared == 2 && y + 1 < band.rows;
+    uint8_t* luma[2] = {target.lumaPlace(row),
+                        two ? target.lumaPlace(row + 1) : nullptr};
+    uint8_t* pairs =
+        target.uFirst() ? target.pairsPlace(row / shared) : target.scratchPairs();
+    split(luma, pairs, {from.row(row), two ? from.row(row + 1) : nullptr},
+          route.targetRegion.columns, route.from->uFirst,
+          route.chromaRows == Rows::kUpper);
+    target.writeLuma(row, luma[0]);
+    if (two) target.writeLuma(row + 1, luma[1]);
+    target.writePairs(row / shared, pairs, true);
+  }
+}
+
 void yuvToYuv(Band& band) {
   const Route& route = band.route;
   const Target& target = band.target;
+  if (isSplit(route)) {
+    splitPackedRows(band);
+    return;
+  }
   const size_t columns = route.targetRegion.columns;
   const bool inPlace = target.hasPlainLuma() && !route.recolours;
   const Region sink = target.lumaRows(band.first, band.rows);

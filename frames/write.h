@@ -50,6 +50,8 @@ class Target {
   uint8_t* pairsPlace(size_t y) const {
     return storesPairs(uFirst()) ? planes_.chroma[0].row(y) : scratchPairs_;
   }
+  // A place for pairs in the other order.
+  uint8_t* scratchPairs() const { return scratchPairs_; }
 
   void writeLuma(size_t y, const uint8_t* luma) const;
   void writePairs(size_t y, const uint8_t* pairs, bool uFirst) const;

@@ -1,4 +1,4 @@
-// Rows of bytes: every second one, means of two rows.
+// Rows of bytes: every second one, means of two rows, packed 4:2:2.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "frames/kernels/bytes.cc"
 #include "simd/each_target.h"  // before all others
@@ -44,6 +44,56 @@ void meanRow(uint8_t* to, const uint8_t* a, const uint8_t* b, size_t bytes) {
   }
 }
 
+template <bool kChromaFirst, size_t kRows, bool kUpper>
+HWY_INLINE void splitRows(uint8_t* const (&luma)[2], uint8_t* pairs,
+                          const uint8_t* const (&from)[2], size_t pixels) {
+  size_t done = 0;
+#if ZELM_VECTORS
+  done = 2 * inBlocks(pixels / 2, kBytes / 2, [&](size_t j) HWY_ATTR {
+           const auto row = [&](size_t y) HWY_ATTR {
+             const SplitPairs split = loadPairs(from[y] + 4 * j);
+             store(kChromaFirst ? split.second : split.first, luma[y] + 2 * j);
+             return kChromaFirst ? split.first : split.second;
+           };
+           Vec<U8> chroma = row(0);
+           if (kRows == 2) {
+             const Vec<U8> below = row(1);
+             if (!kUpper) chroma = hn::AverageRound(chroma, below);
+           }
+           store(chroma, pairs + 2 * j);
+         });
+#endif
+  for (size_t y = 0; y < kRows; ++y) {
+    for (size_t x = done; x < pixels; ++x) luma[y][x] = from[y][2 * x + kChromaFirst];
+  }
+  constexpr size_t kMeanOf = kUpper ? 1 : kRows;
+  for (size_t i = done; i < (pixels + 1) / 2 * 2; ++i) {
+    const size_t at = 2 * i + !kChromaFirst;
+    const unsigned sum = from[0][at] + (kMeanOf == 2 ? from[1][at] + 1u : 0u);
+    pairs[i] = static_cast<uint8_t>(sum / kMeanOf);
+  }
+}
+
+template <bool kChromaFirst>
+HWY_INLINE void splitAnyRows(uint8_t* const (&luma)[2], uint8_t* pairs,
+                             const uint8_t* const (&from)[2], size_t pixels,
+                             bool upper) {
+  if (from[1] == nullptr) {
+    splitRows<kChromaFirst, 1, false>(luma, pairs, from, pixels);
+  } else if (upper) {
+    splitRows<kChromaFirst, 2, true>(luma, pairs, from, pixels);
+  } else {
+    splitRows<kChromaFirst, 2, false>(luma, pairs, from, pixels);
+  }
+}
+
+void splitPacked(uint8_t* const (&luma)[2], uint8_t* pairs,
+                 const uint8_t* const (&from)[2], size_t pixels, bool chromaFirst,
+                 bool upper) {
+  (chromaFirst ? splitAnyRows<true> : splitAnyRows<false>)(luma, pairs, from, pixels,
+                                                           upper);
+}
+
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -56,6 +106,7 @@ namespace zelm {
 TakeBytes* firstBytesKernel() { return ZELM_KERNEL(firstBytes); }
 TakeBytes* secondBytesKernel() { return ZELM_KERNEL(secondBytes); }
 MeanRow* meanRowKernel() { return ZELM_KERNEL(meanRow); }
+SplitPacked* splitPackedKernel() { return ZELM_KERNEL(splitPacked); }
 
 }  // namespace zelm
 #endif  // HWY_ONCE

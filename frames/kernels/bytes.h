@@ -1,4 +1,4 @@
-// Rows of bytes: every second one, means of two rows.
+// Rows of bytes: every second one, means of two rows, packed 4:2:2.
 #ifndef ZELM_FRAMES_KERNELS_BYTES_H_
 #define ZELM_FRAMES_KERNELS_BYTES_H_
 
@@ -16,6 +16,14 @@ TakeBytes* secondBytesKernel();
 // to[i] = the mean of a[i] and b[i], rounded up.
 using MeanRow = void(uint8_t* to, const uint8_t* a, const uint8_t* b, size_t bytes);
 MeanRow* meanRowKernel();
+
+// Splits a row of packed 4:2:2 into luma and pairs, or two rows into two of luma and
+// one of pairs: their mean, rounded up, or those of the upper row. `from[1]` is null,
+// or the other row. An odd last pixel has a pair of its own.
+using SplitPacked = void(uint8_t* const (&luma)[2], uint8_t* pairs,
+                         const uint8_t* const (&from)[2], size_t pixels,
+                         bool chromaFirst, bool upper);
+SplitPacked* splitPackedKernel();
 
 }  // namespace zelm
 
