@@ -124,7 +124,7 @@ const Mistake kMistakes[] = {
        r->edit.source = {0, 0, 65, 48};
      },
      ZELM_BAD_REGION,
-     {"source", "65", "64"}},
+     {"source", "columns 0 to 64", "has 64"}},
     {[](Request* r) {
        r->edit.source = {64, 0, 2, 2};
      },
@@ -165,22 +165,22 @@ const Mistake kMistakes[] = {
        r->edit.source = {1, 0, 4, 4};
      },
      ZELM_BAD_REGION,
-     {"1", "even"}},
+     {"column 1", "I420"}},
     {[](Request* r) {
        r->edit.source = {0, 3, 4, 4};
      },
      ZELM_BAD_REGION,
-     {"3", "even"}},
+     {"row 3", "I420"}},
     {[](Request* r) {
        r->edit.destination = {0, 0, 33, 4};
      },
      ZELM_BAD_REGION,
-     {"destination", "33", "even"}},
+     {"destination", "column 33", "NV12"}},
     {[](Request* r) {
        r->edit.destination = {0, 2, 4, 5};
      },
      ZELM_BAD_REGION,
-     {"destination", "even"}},
+     {"destination", "row 7", "NV12"}},
 };
 
 // Names the mistake that a failure belongs to.
