@@ -2,6 +2,8 @@
 // rows are written.
 #include "frames/route.h"
 
+#include <cstring>
+
 #include "convert/chroma_422.h"
 #include "convert/pairs.h"
 #include "frames/kernels/bytes.h"
@@ -13,14 +15,15 @@
 namespace zelm {
 namespace {
 
-// What of the shaped chroma serves rows of luma. `around` is 1 if the rows above and
-// below it are wanted, too.
-Rect chromaRect(const Route& route, size_t first, size_t rows, size_t around) {
-  const size_t shared = route.rowsShared(), all = route.chroma.result().rows;
-  size_t top = first / shared, bottom = (first + rows + shared - 1) / shared + around;
-  top = top > around ? top - around : 0;
-  bottom = bottom < all ? bottom : all;
-  return {0, top, route.chroma.result().columns, bottom - top};
+// What of the shaped chroma serves rows of luma, and `margin` rows above and below it,
+// where there are any.
+Rect chromaRect(const Route& route, size_t first, size_t rows, size_t margin) {
+  const Size size = route.chroma.result();
+  const size_t shared = route.rowsShared();
+  const size_t top = first / shared;
+  const size_t bottom = (first + rows + shared - 1) / shared + margin;
+  const size_t from = top > margin ? top - margin : 0;
+  return {0, from, size.columns, (bottom < size.rows ? bottom : size.rows) - from};
 }
 
 Rect lumaRect(const Route& route, size_t first, size_t rows) {

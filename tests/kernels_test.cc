@@ -7,9 +7,13 @@
 #include <vector>
 
 #include "comparison.h"
+#include "convert/chroma_422.h"
+#include "convert/pairs.h"
 #include "reference.h"
 #include "resize/axis.h"
+#include "resize/box_average.h"
 #include "resize/scale_plane.h"
+#include "rotate/turn.h"
 
 namespace zelm {
 namespace {
@@ -151,6 +155,142 @@ TEST(Scaling, PartsAreThoseOfTheWholePlane) {
           test.check(columns, rows, i & 1 ? Guard::kBefore : Guard::kBehind);
           if (testing::Test::HasFatalFailure()) return;
         }
+      }
+    }
+  }
+}
+
+// A buffer of random bytes that ends, or begins, at an inaccessible page.
+class Noise {
+ public:
+  uint8_t* place(size_t bytes, Guard guard, Random* random) {
+    uint8_t* start = buffer_.place(bytes, guard);
+    for (size_t i = 0; i < bytes; ++i) start[i] = static_cast<uint8_t>(random->next());
+    return start;
+  }
+
+ private:
+  GuardedBuffer buffer_;
+};
+
+TEST(BoxAverages, AreMeansRoundedDown) {
+  Random random(11);
+  Noise from, to;
+  for (const size_t factor : {2, 4}) {
+    for (size_t sample = 1; sample <= 4; ++sample) {
+      for (const size_t samples : {1, 7, 16, 33, 64, 131}) {
+        for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
+          const size_t bytes = samples * sample, rowBytes = factor * bytes;
+          const uint8_t* block = from.place(factor * rowBytes, guard, &random);
+          uint8_t* made = to.place(bytes, guard, &random);
+          ptrdiff_t stride = static_cast<ptrdiff_t>(rowBytes);
+          const uint8_t* first = block;
+          if (guard == Guard::kBefore) {
+            first += (factor - 1) * rowBytes;
+            stride = -stride;
+          }
+          averageKernel(factor, sample)(made, first, stride, bytes, nullptr);
+          for (size_t i = 0; i < bytes; ++i) {
+            size_t sum = 0;
+            for (size_t k = 0; k < factor * factor; ++k) {
+              const size_t x = i / sample * factor + k % factor;
+              sum += block[k / factor * rowBytes + x * sample + i % sample];
+            }
+            ASSERT_EQ(made[i], sum / (factor * factor))
+                << factor << ", " << sample << " bytes, " << samples << ", byte " << i;
+          }
+        }
+      }
+    }
+  }
+}
+
+// -------------------------------------------------------------------------- turns
+
+TEST(Turns, TransposeWithStridesOfEitherSign) {
+  Random random(5);
+  Noise from, to;
+  const Extents sizes[] = {{1, 1},   {3, 40},  {64, 16}, {17, 63},
+                           {130, 9}, {70, 70}, {8, 129}, {33, 200}};
+  for (size_t sample = 1; sample <= 4; ++sample) {
+    for (const Extents& size : sizes) {
+      for (int signs = 0; signs < 4; ++signs) {
+        const Guard guard = signs % 3 == 0 ? Guard::kBehind : Guard::kBefore;
+        const size_t fromBytes = size.rows * sample, toBytes = size.columns * sample;
+        uint8_t* source = from.place(fromBytes * size.columns, guard, &random);
+        uint8_t* made = to.place(toBytes * size.rows, guard, &random);
+        Region in = {source, static_cast<ptrdiff_t>(fromBytes), size.rows,
+                     size.columns};
+        Region out = {made, static_cast<ptrdiff_t>(toBytes), size.columns, size.rows};
+        if (signs & 1) in = {in.row(in.rows - 1), -in.stride, in.columns, in.rows};
+        if (signs & 2)
+          out = {out.row(out.rows - 1), -out.stride, out.columns, out.rows};
+        transposeKernel(sample)(out.origin, out.stride, in.origin, in.stride,
+                                size.columns, size.rows);
+        for (size_t y = 0; y < size.rows; ++y) {
+          for (size_t x = 0; x < size.columns; ++x) {
+            ASSERT_TRUE(std::equal(in.row(x) + y * sample, in.row(x) + (y + 1) * sample,
+                                   out.row(y) + x * sample))
+                << sample << " bytes, " << size.columns << " x " << size.rows
+                << ", signs " << signs << ", column " << x << ", row " << y;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Turns, ReverseRowsOfSamples) {
+  Random random(6);
+  Noise from, to;
+  for (size_t sample = 1; sample <= 4; ++sample) {
+    for (const size_t samples : {1, 2, 5, 6, 16, 31, 64, 100, 1000, 3 << 20}) {
+      for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
+        const size_t bytes = samples * sample;
+        const uint8_t* source = from.place(bytes, guard, &random);
+        uint8_t* made = to.place(bytes, guard, &random);
+        reverseKernel(sample)(made, source, samples);
+        for (size_t i = 0; i < bytes; ++i) {
+          const size_t at = bytes - sample - i / sample * sample + i % sample;
+          ASSERT_EQ(made[i], source[at])
+              << sample << " bytes, " << samples << ", " << i;
+        }
+      }
+    }
+  }
+}
+
+// -------------------------------------------------------------------------- pairs
+
+TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
+  Random random(9);
+  Noise from, to, also;
+  for (const size_t pairs : {1, 5, 32, 33, 64, 127, 200}) {
+    for (const bool stream : {false, true}) {
+      const Guard guard = stream ? Guard::kBefore : Guard::kBehind;
+      const size_t bytes = 2 * pairs;
+      const auto expect = [&](const uint8_t* made, const char* what, auto rule) {
+        for (size_t i = 0; i < bytes; ++i) {
+          ASSERT_EQ(made[i], rule(i)) << what << ", " << pairs << " pairs, byte " << i;
+        }
+      };
+      const uint8_t* source = from.place(2 * bytes, guard, &random);
+      uint8_t* made = to.place(bytes, guard, &random);
+      joinPairsKernel()(made, source, source + bytes, pairs, stream);
+      expect(made, "join", [&](size_t i) { return source[i / 2 + i % 2 * bytes]; });
+      splitPairsKernel()(made, made + pairs, source, pairs, stream);
+      expect(made, "split",
+             [&](size_t i) { return source[i % pairs * 2 + i / pairs]; });
+      swapPairsKernel()(made, source, bytes);
+      expect(made, "swap", [&](size_t i) { return source[i ^ 1]; });
+      uint8_t* odd = also.place(bytes, guard, &random);
+      for (const bool swap : {false, true}) {
+        expandRowKernel(swap)(made, odd, source, source + bytes, bytes, stream);
+        const size_t flip = swap ? 1 : 0;
+        expect(made, "even", [&](size_t i) { return source[i ^ flip]; });
+        expect(odd, "odd", [&](size_t i) {
+          return (source[i ^ flip] + source[bytes + (i ^ flip)]) / 2;
+        });
       }
     }
   }

@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "convert/semi_planar.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/pairs.h"
 #include "convert/semi_planar_neon-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
@@ -70,10 +71,13 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
+SplitPairsRow* splitPairsKernel() { return ZELM_KERNEL(splitPairsRow); }
+SwapPairsRow* swapPairsKernel() { return ZELM_KERNEL(swapPairsRow); }
+
 static size_t roundUpTo16(size_t value) { return (value + 15) / 16 * 16; }
 
 static void swapPlane(const Region& to, const Region& from) {
-  const auto swapRow = ZELM_KERNEL(swapPairsRow);
+  SwapPairsRow* const swapRow = swapPairsKernel();
   const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
   for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
 }
@@ -86,7 +90,7 @@ static void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   const size_t chromaStride = roundUpTo16(lumaStride / 2);
   copyBytes(dst.data, src.data, static_cast<size_t>(src.height) * src.width);
 
-  const auto splitRow = ZELM_KERNEL(splitPairsRow);
+  SplitPairsRow* const splitRow = splitPairsKernel();
   uint8_t* first = dst.data + height * lumaStride;
   uint8_t* second = first + height * chromaStride / 2;
   const uint8_t* from = src.data + src.uvOffset;

@@ -1,4 +1,5 @@
-// Box averages with NEON. Included by box_average.cc, once per pass.
+// Box averages with NEON, for samples of 1 and 2 bytes. Included by box_average.cc in
+// each of its passes.
 //
 // Neighbouring bytes are added by vpaddl and vpadal, the latter onto the sums of the
 // rows above. Chroma is deinterleaved as it is loaded, so that first and second bytes
@@ -73,8 +74,8 @@ HWY_INLINE void averageBlock(uint8_t*& to, Rows<kFactor, kSample>& rows) {
 }
 
 template <size_t kFactor, size_t kSample>
-HWY_INLINE size_t averageBlocks(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
-                                size_t bytes, const uint8_t*) {
+HWY_INLINE size_t averageDeinterleaved(uint8_t* to, const uint8_t* from,
+                                       ptrdiff_t stride, size_t bytes) {
   if (bytes < kBlock<kFactor>) return 0;
   Rows<kFactor, kSample> rows(from, stride);
   size_t left = bytes;

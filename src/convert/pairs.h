@@ -1,0 +1,26 @@
+// Rows of chroma pairs: the kernels that join, split and swap them.
+#ifndef ZELM_SRC_CONVERT_PAIRS_H_
+#define ZELM_SRC_CONVERT_PAIRS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zelm {
+
+// Interleaves two rows of bytes into pairs, and takes pairs apart. With `stream` they
+// store past the caches, which simd/streaming.h explains.
+using JoinPairsRow = void(uint8_t* to, const uint8_t* first, const uint8_t* second,
+                          size_t pairs, bool stream);
+using SplitPairsRow = void(uint8_t* first, uint8_t* second, const uint8_t* from,
+                           size_t pairs, bool stream);
+
+// Exchanges the bytes of each pair. The rows do not overlap, and `bytes` is even.
+using SwapPairsRow = void(uint8_t* to, const uint8_t* from, size_t bytes);
+
+JoinPairsRow* joinPairsKernel();
+SplitPairsRow* splitPairsKernel();
+SwapPairsRow* swapPairsKernel();
+
+}  // namespace zelm
+
+#endif  // ZELM_SRC_CONVERT_PAIRS_H_
