@@ -389,7 +389,7 @@ TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
           uint8_t* made = toNoise.place(pixels * pixelBytes, guard, &random);
           const ChromaRows chroma = {own, pixels % 3 == 0 ? own : other,
                                      order / 2 % 2 == 0, random.below(2) == 0};
-          rgbRowKernel(format)(made, luma, chroma, pixels, colour);
+          rgbRowKernel(format, pixels)(made, luma, chroma, pixels, colour);
           for (size_t x = 0; x < pixels; ++x) {
             uint32_t pixel = 0;
             for (size_t i = 0; i < pixelBytes; ++i) {
