@@ -71,7 +71,7 @@ void showProgress(const std::string& text) {
   if (isatty(STDERR_FILENO)) fprintf(stderr, "\r\033[K%s", text.c_str());
 }
 
-void printNanoseconds(double time) { printf(",%.0f", time); }
+void printNanoseconds(double time) { printf(time < 1000 ? ",%.1f" : ",%.0f", time); }
 
 void printHeading(const Options& options, const bench::Effort& effort,
                   const std::vector<bench::Library>& peers) {

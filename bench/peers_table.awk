@@ -12,6 +12,8 @@ $1 == "stage" {
   next
 }
 function value(name) { return $column[name] }
+# Microseconds, of short times more digits.
+function microseconds(ns) { return sprintf(ns < 10000 ? "%.3f" : "%.1f", ns / 1000) }
 function peer_cell(peer,  time, text) {
   time = value(tolower(peer) "_ns")
   if (time == "") return "-"
@@ -26,7 +28,7 @@ function least(target) {
 {
   name = $1 " " $2
   roof = value("memcpy_ns") / value("ours_ns")
-  printf "%-36s %-21s %10.1f %7.2f", $1, $2, value("ours_ns") / 1000, roof
+  printf "%-36s %-21s %10s %7.2f", $1, $2, microseconds(value("ours_ns")), roof
   for (i = 1; i <= 4; ++i) printf " %8s", peer_cell(peers[i])
   printf " %7s\n", value("target")
   ratio = value("ratio")

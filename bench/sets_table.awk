@@ -28,7 +28,7 @@ $1 == "stage" {
     next
   }
   printf "%-36s %-21s", $1, $2
-  for (i = 4; i <= last; ++i) printf " %9.1f", $i / 1000
+  for (i = 4; i <= last; ++i) printf $i < 10000 ? " %9.3f" : " %9.1f", $i / 1000
   print mark
 }
 END {

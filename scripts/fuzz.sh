@@ -18,7 +18,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 build=build-fuzz
 sanitizers=,address,undefined
-targets=(fuzz_stages fuzz_pipelines fuzz_checks fuzz_readers fuzz_texts fuzz_options)
+targets=(fuzz_stages fuzz_pipelines fuzz_checks fuzz_frames fuzz_readers fuzz_texts fuzz_options)
 keep=false
 runs=-1
 while [ "${1:-}" != "${1#--}" ]; do
@@ -26,12 +26,12 @@ while [ "${1:-}" != "${1#--}" ]; do
     --memory)
       build=build-fuzz-memory
       sanitizers=,memory
-      targets=(fuzz_stages fuzz_pipelines fuzz_checks)
+      targets=(fuzz_stages fuzz_pipelines fuzz_checks fuzz_frames)
       ;;
     --plain)
       build=build-fuzz-plain
       sanitizers=''
-      targets=(fuzz_stages fuzz_pipelines fuzz_checks fuzz_texts fuzz_options)
+      targets=(fuzz_stages fuzz_pipelines fuzz_checks fuzz_frames fuzz_texts fuzz_options)
       ;;
     --runs=*) runs=${1#--runs=} ;;
     --keep) keep=true ;;

@@ -7,10 +7,13 @@
 #include <vector>
 
 #include "comparison.h"
+#include "convert/chroma_422.h"
+#include "convert/pairs.h"
 #include "reference.h"
 #include "resize/axis.h"
 #include "resize/box_average.h"
 #include "resize/scale_plane.h"
+#include "rotate/turn.h"
 
 namespace zelm {
 namespace {
@@ -34,7 +37,7 @@ struct Range {
 // A method, and which source samples the destination samples of a range are made of.
 struct Method {
   const char* name;
-  ScalePart* (*kernelOf)(size_t sample);
+  ScalePart* (*kernelOf)(size_t sample, size_t bytes);
   reference::Scale* rule;
   bool nearest;
   size_t before, behind;
@@ -98,8 +101,8 @@ class PartTest {
       std::copy_n(&whole_[(rows.first + y) * rowBytes(to_) + columns.first * sample_],
                   bytes, &expected[(upwards_ ? count - 1 - y : y) * toStride]);
     }
-    method_.kernelOf(sample_)(to, from,
-                              {columns.first, rows.first, to_.columns, to_.rows});
+    method_.kernelOf(sample_, std::min(to.columns, from.columns) * sample_)(
+        to, from, {columns.first, rows.first, to_.columns, to_.rows});
     upwards_ = !upwards_;
     ASSERT_EQ(made, expected) << method_.name << ", " << sample_ << " bytes, "
                               << from_.columns << " x " << from_.rows << " to "
@@ -186,7 +189,7 @@ TEST(BoxAverages, AreMeansRoundedDown) {
             first += (factor - 1) * rowBytes;
             stride = -stride;
           }
-          averageKernel(factor, sample)(made, first, stride, bytes, nullptr);
+          averageKernel(factor, sample, bytes)(made, first, stride, bytes, nullptr);
           for (size_t i = 0; i < bytes; ++i) {
             size_t sum = 0;
             for (size_t k = 0; k < factor * factor; ++k) {
@@ -197,6 +200,97 @@ TEST(BoxAverages, AreMeansRoundedDown) {
                 << factor << ", " << sample << " bytes, " << samples << ", byte " << i;
           }
         }
+      }
+    }
+  }
+}
+
+// -------------------------------------------------------------------------- turns
+
+TEST(Turns, TransposeWithStridesOfEitherSign) {
+  Random random(5);
+  Noise from, to;
+  const Extents sizes[] = {{1, 1},   {3, 40},  {64, 16}, {17, 63},
+                           {130, 9}, {70, 70}, {8, 129}, {33, 200}};
+  for (size_t sample = 1; sample <= 4; ++sample) {
+    for (const Extents& size : sizes) {
+      for (int signs = 0; signs < 4; ++signs) {
+        const Guard guard = signs % 3 == 0 ? Guard::kBehind : Guard::kBefore;
+        const size_t fromBytes = size.rows * sample, toBytes = size.columns * sample;
+        uint8_t* source = from.place(fromBytes * size.columns, guard, &random);
+        uint8_t* made = to.place(toBytes * size.rows, guard, &random);
+        Region in = {source, static_cast<ptrdiff_t>(fromBytes), size.rows,
+                     size.columns};
+        Region out = {made, static_cast<ptrdiff_t>(toBytes), size.columns, size.rows};
+        if (signs & 1) in = {in.row(in.rows - 1), -in.stride, in.columns, in.rows};
+        if (signs & 2)
+          out = {out.row(out.rows - 1), -out.stride, out.columns, out.rows};
+        transposeKernel(sample, out.columns)(out.origin, out.stride, in.origin,
+                                             in.stride, size.columns, size.rows);
+        for (size_t y = 0; y < size.rows; ++y) {
+          for (size_t x = 0; x < size.columns; ++x) {
+            ASSERT_TRUE(std::equal(in.row(x) + y * sample, in.row(x) + (y + 1) * sample,
+                                   out.row(y) + x * sample))
+                << sample << " bytes, " << size.columns << " x " << size.rows
+                << ", signs " << signs << ", column " << x << ", row " << y;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Turns, ReverseRowsOfSamples) {
+  Random random(6);
+  Noise from, to;
+  for (size_t sample = 1; sample <= 4; ++sample) {
+    for (const size_t samples : {1, 2, 5, 6, 16, 31, 64, 100, 1000, 3 << 20}) {
+      for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
+        const size_t bytes = samples * sample;
+        const uint8_t* source = from.place(bytes, guard, &random);
+        uint8_t* made = to.place(bytes, guard, &random);
+        reverseKernel(sample)(made, source, samples);
+        for (size_t i = 0; i < bytes; ++i) {
+          const size_t at = bytes - sample - i / sample * sample + i % sample;
+          ASSERT_EQ(made[i], source[at])
+              << sample << " bytes, " << samples << ", " << i;
+        }
+      }
+    }
+  }
+}
+
+// -------------------------------------------------------------------------- pairs
+
+TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
+  Random random(9);
+  Noise from, to, also;
+  for (const size_t pairs : {1, 5, 32, 33, 64, 127, 200}) {
+    for (const bool stream : {false, true}) {
+      const Guard guard = stream ? Guard::kBefore : Guard::kBehind;
+      const size_t bytes = 2 * pairs;
+      const auto expect = [&](const uint8_t* made, const char* what, auto rule) {
+        for (size_t i = 0; i < bytes; ++i) {
+          ASSERT_EQ(made[i], rule(i)) << what << ", " << pairs << " pairs, byte " << i;
+        }
+      };
+      const uint8_t* source = from.place(2 * bytes, guard, &random);
+      uint8_t* made = to.place(bytes, guard, &random);
+      joinPairsKernel(pairs)(made, source, source + bytes, pairs, stream);
+      expect(made, "join", [&](size_t i) { return source[i / 2 + i % 2 * bytes]; });
+      splitPairsKernel(pairs)(made, made + pairs, source, pairs, stream);
+      expect(made, "split",
+             [&](size_t i) { return source[i % pairs * 2 + i / pairs]; });
+      swapPairsKernel(bytes)(made, source, bytes);
+      expect(made, "swap", [&](size_t i) { return source[i ^ 1]; });
+      uint8_t* odd = also.place(bytes, guard, &random);
+      for (const bool swap : {false, true}) {
+        expandRowKernel(swap, bytes)(made, odd, source, source + bytes, bytes, stream);
+        const size_t flip = swap ? 1 : 0;
+        expect(made, "even", [&](size_t i) { return source[i ^ flip]; });
+        expect(odd, "odd", [&](size_t i) {
+          return (source[i ^ flip] + source[bytes + (i ^ flip)]) / 2;
+        });
       }
     }
   }

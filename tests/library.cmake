@@ -20,30 +20,38 @@ if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND
   target_sources(zelm_comparisons PRIVATE top_gigabyte.cc)
 endif()
 
-# One program, run with each instruction set as its ceiling.
-# What calls kernels by their headers is compiled like the library.
-add_executable(library_test instruction_set_test.cc kernels_test.cc)
-target_compile_definitions(library_test PRIVATE
-  $<TARGET_PROPERTY:zelm_kernels,COMPILE_DEFINITIONS>)
-target_include_directories(library_test SYSTEM PRIVATE
-  $<TARGET_PROPERTY:zelm_kernels,INCLUDE_DIRECTORIES>)
-zelm_warnings(library_test)
-target_link_options(library_test PRIVATE -Wl,--wrap=malloc,--wrap=free)
-target_link_libraries(library_test PRIVATE zelm_comparisons zelm_objects_with_ceiling)
-
-# zelm_library_tests(<prefix> <instruction set>)
-# The names of the tests start with the prefix.
-function(zelm_library_tests prefix set)
-  gtest_discover_tests(library_test TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT ZELM_INSTRUCTION_SET=${set})
+# zelm_instruction_set_program(<name> <source>...)
+# A program of tests that can be run with each instruction set as its ceiling. Kernels in
+# it, and what calls kernels by their headers, are compiled like the library.
+function(zelm_instruction_set_program name)
+  add_executable(${name} instruction_set_test.cc ${ARGN})
+  target_compile_definitions(${name} PRIVATE
+    $<TARGET_PROPERTY:zelm_kernels,COMPILE_DEFINITIONS>)
+  target_include_directories(${name} SYSTEM PRIVATE
+    $<TARGET_PROPERTY:zelm_kernels,INCLUDE_DIRECTORIES>)
+  zelm_warnings(${name})
+  target_link_options(${name} PRIVATE -Wl,--wrap=malloc,--wrap=calloc,--wrap=free)
 endfunction()
 
-zelm_library_tests(library all)
-if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
-  foreach(set avx512 avx2 sse4 plain)
-    zelm_library_tests(${set} ${set})
-  endforeach()
+# zelm_instruction_set_tests(<program> <prefix> <rest>)
+# Runs the program's tests on all that the machine has, as <prefix>.<test>, and held to
+# each lower instruction set, as <set>.<rest><test>.
+function(zelm_instruction_set_tests program prefix rest)
+  gtest_discover_tests(${program} TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT ZELM_INSTRUCTION_SET=all)
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    foreach(set avx512 avx2 sse4 plain)
+      gtest_discover_tests(${program} TEST_PREFIX ${set}.${rest} DISCOVERY_TIMEOUT 60
+        PROPERTIES ENVIRONMENT ZELM_INSTRUCTION_SET=${set})
+    endforeach()
+  endif()
+endfunction()
 
+zelm_instruction_set_program(library_test kernels_test.cc)
+target_link_libraries(library_test PRIVATE zelm_comparisons zelm_objects_with_ceiling)
+zelm_instruction_set_tests(library_test library "")
+
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
   add_executable(library_choice_test library_choice_test.cc)
   target_include_directories(library_choice_test PRIVATE ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(library_choice_test PRIVATE

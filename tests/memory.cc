@@ -1,4 +1,4 @@
-// Stands in for malloc() and free() while the heap is watched.
+// Stands in for malloc(), calloc() and free() while the heap is watched.
 #include "memory.h"
 
 #include <stdio.h>
@@ -23,15 +23,21 @@ struct Slot {
 };
 
 thread_local State current;
-thread_local Slot slots[2];  // no call holds more buffers at the same time
+thread_local Slot slots[3];  // no call holds more buffers at the same time
 
-// Fills a block with the chosen byte. For the memory sanitizer it is as uninitialised
-// as a block that malloc() returns.
-void fillUninitialised(uint8_t* start, size_t size) {
-  memset(start, current.fill, size);
-#if __has_feature(memory_sanitizer)
-  __msan_allocated_memory(start, size);
-#endif
+// Returns a block, or null where the request is to be refused.
+uint8_t* take(size_t size) {
+  current.lastRequest = size;
+  if (++current.requests == current.refuse) return nullptr;
+  for (Slot& slot : slots) {
+    if (slot.start != nullptr) continue;
+    const size_t aligned = (size + 15) / 16 * 16;  // malloc() aligns blocks like this
+    slot.start = slot.buffer.place(aligned, GuardedBuffer::Guard::kBehind);
+    ++current.live;
+    return slot.start;
+  }
+  fputs("more buffers at the same time than any call needs\n", stderr);
+  abort();
 }
 
 }  // namespace
@@ -43,23 +49,26 @@ State& state() { return current; }
 extern "C" {
 
 void* __real_malloc(size_t size);
+void* __real_calloc(size_t count, size_t size);
 void __real_free(void* pointer);
 
 void* __wrap_malloc(size_t size) {
-  memory::State& state = memory::current;
-  if (!state.watching) return __real_malloc(size);
-  state.lastRequest = size;
-  if (++state.requests == state.refuse) return nullptr;
-  for (memory::Slot& slot : memory::slots) {
-    if (slot.start != nullptr) continue;
-    const size_t aligned = (size + 15) / 16 * 16;  // malloc() aligns blocks like this
-    slot.start = slot.buffer.place(aligned, GuardedBuffer::Guard::kBehind);
-    memory::fillUninitialised(slot.start, aligned);
-    ++state.live;
-    return slot.start;
-  }
-  fputs("more buffers at the same time than any call needs\n", stderr);
-  abort();
+  if (!memory::current.watching) return __real_malloc(size);
+  uint8_t* start = memory::take(size);
+  if (start == nullptr) return nullptr;
+  memset(start, memory::current.fill, size);
+#if __has_feature(memory_sanitizer)
+  __msan_allocated_memory(start, size);
+#endif
+  return start;
+}
+
+void* __wrap_calloc(size_t count, size_t size) {
+  if (!memory::current.watching) return __real_calloc(count, size);
+  if (size != 0 && count > SIZE_MAX / size) return nullptr;
+  uint8_t* start = memory::take(count * size);
+  if (start != nullptr) memset(start, 0, count * size);
+  return start;
 }
 
 void __wrap_free(void* pointer) {

@@ -1,6 +1,6 @@
 // Watches what the library takes from the heap: every buffer ends at an inaccessible
-// page and is filled with a chosen byte, and any request can be refused. The linker
-// redirects malloc() and free() here (--wrap).
+// page and is filled with a chosen byte, unless zeros are asked for, and any request
+// can be refused. The linker redirects malloc(), calloc() and free() here (--wrap).
 #ifndef ZELM_TESTS_MEMORY_H
 #define ZELM_TESTS_MEMORY_H
 

@@ -12,21 +12,22 @@ namespace {
 
 constexpr size_t kMaxLine = 4096;
 
+// Standard input belongs to the whole program and stays open.
+void closeUnlessShared(FILE* file) {
+  if (file != stdin) fclose(file);
+}
+
 }  // namespace
 
 ByteSource::ByteSource(const std::string& path)
     : name_(path == "-" ? "standard input" : path),
-      file_(path == "-" ? stdin : fopen(path.c_str(), "rb")) {
+      file_(path == "-" ? stdin : fopen(path.c_str(), "rb"), closeUnlessShared) {
   if (file_ == nullptr) fail(name_, ": cannot be opened: ", strerror(errno));
-}
-
-ByteSource::~ByteSource() {
-  if (file_ != stdin) fclose(file_);
 }
 
 bool ByteSource::startsWith(const std::string& text) {
   while (ahead_.size() < text.size()) {
-    const int byte = fgetc(file_);
+    const int byte = fgetc(file_.get());
     if (byte == EOF) {
       requireNoError();
       break;
@@ -40,13 +41,13 @@ size_t ByteSource::read(uint8_t* to, size_t count) {
   const size_t early = std::min(count, ahead_.size());
   memcpy(to, ahead_.data(), early);
   ahead_.erase(0, early);
-  const size_t got = early + fread(to + early, 1, count - early, file_);
+  const size_t got = early + fread(to + early, 1, count - early, file_.get());
   if (got < count) requireNoError();
   return got;
 }
 
 void ByteSource::requireNoError() const {
-  if (ferror(file_)) fail(name_, ": cannot be read: ", strerror(errno));
+  if (ferror(file_.get())) fail(name_, ": cannot be read: ", strerror(errno));
 }
 
 uint64_t ByteSource::skip(uint64_t count) {

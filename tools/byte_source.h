@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 namespace zelm_tool {
@@ -13,9 +14,6 @@ namespace zelm_tool {
 class ByteSource {
  public:
   explicit ByteSource(const std::string& path);
-  ~ByteSource();
-  ByteSource(const ByteSource&) = delete;
-  ByteSource& operator=(const ByteSource&) = delete;
 
   const std::string& name() const { return name_; }
   // Whether the next bytes are `text`; consumes nothing.
@@ -32,7 +30,7 @@ class ByteSource {
   void requireNoError() const;
 
   std::string name_;
-  FILE* file_;
+  std::unique_ptr<FILE, void (*)(FILE*)> file_;
   std::string ahead_;
 };
 

@@ -12,21 +12,18 @@ namespace {
 constexpr int kExitFailure = 2;
 
 void run(const zelm_tool::Options& options) {
+  using zelm_tool::Command;
   switch (options.command) {
-    case zelm_tool::Command::kNone:
-      break;
-    case zelm_tool::Command::kConvert:
-      zelm_tool::runConvert(options.convert);
-      break;
-    case zelm_tool::Command::kRotate:
-      zelm_tool::runRotate(options.rotate);
-      break;
-    case zelm_tool::Command::kTestcard:
-      zelm_tool::runTestcard(options.testcard);
-      break;
-    case zelm_tool::Command::kFormats:
-      zelm_tool::runFormats(options.formats);
-      break;
+    case Command::kNone:
+      return;
+    case Command::kConvert:
+      return zelm_tool::runConvert(options.convert);
+    case Command::kRotate:
+      return zelm_tool::runRotate(options.rotate);
+    case Command::kTestcard:
+      return zelm_tool::runTestcard(options.testcard);
+    case Command::kFormats:
+      return zelm_tool::runFormats(options.formats);
   }
 }
 

@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "convert/chroma_422.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/chroma_422.h"
 #include "convert/chroma_422_neon-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
@@ -36,8 +37,6 @@ HWY_INLINE size_t expandBlocks(uint8_t* even, uint8_t* odd, const uint8_t* row,
 }
 #endif
 
-// Writes the two rows that a chroma row becomes. Pairs keep the order of their bytes,
-// or it is exchanged.
 template <bool kSwap, bool kStream>
 HWY_INLINE void expandRow(uint8_t* even, uint8_t* odd, const uint8_t* row,
                           const uint8_t* next, size_t bytes) {
@@ -71,11 +70,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-using ExpandRow = void(uint8_t* even, uint8_t* odd, const uint8_t* row,
-                       const uint8_t* next, size_t bytes, bool stream);
+ExpandRow* expandRowKernel(bool swap, size_t bytes) {
+  return swap ? ZELM_KERNEL_FOR(expandRowSwapped, bytes)
+              : ZELM_KERNEL_FOR(expandRowKept, bytes);
+}
 
-static void expandFrame(const ImageStruct& dst, const ImageStruct& src,
-                        ExpandRow* expand) {
+static void expandFrame(const ImageStruct& dst, const ImageStruct& src, bool swap) {
   const Region luma = lumaRegion(src), lumaTo = lumaRegion(dst);
   copyRows(lumaTo, luma, luma.rows, luma.columns);
 
@@ -83,6 +83,7 @@ static void expandFrame(const ImageStruct& dst, const ImageStruct& src,
   const Region chroma = chromaRegion(src);
   Region to = lumaTo;
   to.origin += dst.uvOffset;
+  ExpandRow* const expand = expandRowKernel(swap, 2 * chroma.columns);
   const bool stream = worthStreaming(7 * luma.rows * luma.columns / 2);
   for (size_t k = 0; k < chroma.rows; ++k) {
     const uint8_t* row = chroma.row(k);
@@ -95,12 +96,10 @@ static void expandFrame(const ImageStruct& dst, const ImageStruct& src,
 }  // namespace zelm
 
 extern "C" void convYUV420SP_YUV422SP(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  expandFrame(*dst, *src, ZELM_KERNEL(expandRowKept));
+  zelm::expandFrame(*dst, *src, false);
 }
 
 extern "C" void convYUV420SP_YUV422SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  expandFrame(*dst, *src, ZELM_KERNEL(expandRowSwapped));
+  zelm::expandFrame(*dst, *src, true);
 }
 #endif  // HWY_ONCE

@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "convert/planar_to_semi_planar.cc"
 #include "simd/each_target.h"  // before all others
 
+#include "convert/pairs.h"
 #include "convert/planar_to_semi_planar_neon-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
@@ -49,14 +50,18 @@ void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+zelm::JoinPairsRow* zelm::joinPairsKernel(size_t pairs) {
+  return ZELM_KERNEL_FOR(joinPairsRow, pairs);
+}
+
 extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const size_t luma = static_cast<size_t>(src->height) * src->width;
   copyBytes(dst->data, src->data, luma);
   const uint8_t* first = src->data + src->uvOffset;
   const bool stream = worthStreaming(3 * luma);
-  ZELM_KERNEL(joinPairsRow)
-  (dst->data + dst->uvOffset, first, first + luma / 4, luma / 4, stream);
+  joinPairsKernel(luma / 4)(dst->data + dst->uvOffset, first, first + luma / 4,
+                            luma / 4, stream);
   if (stream) finishStreaming();
 }
 #endif  // HWY_ONCE

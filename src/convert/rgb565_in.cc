@@ -89,9 +89,9 @@ extern "C" void convRGB565_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const Region from = packedRegion(*src, 2);
   const Region luma = lumaRegion(*dst), chroma = chromaRegionBehindLuma(*dst);
-  const auto convertRow = ZELM_KERNEL(rgb565Row);
-  const auto convertLumaRow = ZELM_KERNEL(rgb565LumaRow);
   const size_t pixels = from.columns;
+  const auto convertRow = ZELM_KERNEL_FOR(rgb565Row, pixels);
+  const auto convertLumaRow = ZELM_KERNEL_FOR(rgb565LumaRow, pixels);
   for (size_t y = 0; y < from.rows; ++y) {
     if (y % 2 == 0) {
       convertRow(luma.row(y), chroma.row(y / 2), from.row(y), pixels);

@@ -1,5 +1,8 @@
-// UYVY to semi-planar 4:2:0 with pairs V, U: bytes are moved. Of every two rows the
-// chroma of the upper one is kept.
+// UYVY to semi-planar 4:2:0 with pairs V, U. Bytes are only moved, and of every two
+// rows the chroma of the upper one is kept:
+//   from            U0 Y0 V0 Y1  U1 Y2 V1 Y3 ...
+//   luma            Y0 Y1 Y2 Y3 ...
+//   chroma          V0 U0 V1 U1 ...
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/uyvy.cc"
 #include "simd/each_target.h"  // before all others
@@ -15,7 +18,7 @@ namespace zelm::HWY_NAMESPACE {
 namespace {
 
 template <bool kStream>
-HWY_INLINE void splitLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) {
+void splitLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = inBlocks(groups, kBytes / 2, [&](size_t j) HWY_ATTR {
@@ -29,8 +32,7 @@ HWY_INLINE void splitLumaRow(uint8_t* luma, const uint8_t* from, size_t groups) 
 }
 
 template <bool kStream>
-HWY_INLINE void splitRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from,
-                         size_t groups) {
+void splitRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t groups) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = inBlocks(groups, kBytes / 2, [&](size_t j) HWY_ATTR {
@@ -47,14 +49,6 @@ HWY_INLINE void splitRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from,
   }
 }
 
-void uyvyLumaRow(uint8_t* luma, const uint8_t* from, size_t groups, bool stream) {
-  (stream ? splitLumaRow<true> : splitLumaRow<false>)(luma, from, groups);
-}
-void uyvyRow(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t groups,
-             bool stream) {
-  (stream ? splitRow<true> : splitRow<false>)(luma, chroma, from, groups);
-}
-
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -62,18 +56,27 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-extern "C" void convYUV422IUYVY_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
-  using namespace zelm;
-  const Region from = packedRegion(*src, 2);
-  const Region luma = lumaRegion(*dst), chroma = chromaRegionBehindLuma(*dst);
-  const auto convertRow = ZELM_KERNEL(uyvyRow);
-  const auto convertLumaRow = ZELM_KERNEL(uyvyLumaRow);
+namespace zelm {
+
+static void splitUyvy(const Region& luma, const Region& chroma, const Region& from) {
   const size_t groups = from.columns / 2;
   const bool stream = worthStreaming(7 * from.rows * groups);
+  const size_t bytes = 2 * groups;
+  const auto row = stream ? ZELM_KERNEL_FOR(splitRow<true>, bytes)
+                          : ZELM_KERNEL_FOR(splitRow<false>, bytes);
+  const auto lumaRow = stream ? ZELM_KERNEL_FOR(splitLumaRow<true>, bytes)
+                              : ZELM_KERNEL_FOR(splitLumaRow<false>, bytes);
   for (size_t k = 0; k < from.rows / 2; ++k) {
-    convertRow(luma.row(2 * k), chroma.row(k), from.row(2 * k), groups, stream);
-    convertLumaRow(luma.row(2 * k + 1), from.row(2 * k + 1), groups, stream);
+    row(luma.row(2 * k), chroma.row(k), from.row(2 * k), groups);
+    lumaRow(luma.row(2 * k + 1), from.row(2 * k + 1), groups);
   }
   if (stream) finishStreaming();
+}
+
+}  // namespace zelm
+
+extern "C" void convYUV422IUYVY_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
+  zelm::splitUyvy(zelm::lumaRegion(*dst), zelm::chromaRegionBehindLuma(*dst),
+                  zelm::packedRegion(*src, 2));
 }
 #endif  // HWY_ONCE

@@ -23,25 +23,24 @@ struct Call {
 // What turns semi-planar 4:2:0 into the destination's format.
 struct Converter {
   uint32_t to;
-  Stage fromUV;  // source FORMAT_YUV420SP
-  Stage fromVU;  // source FORMAT_YUV420SPVU
+  Stage from[2];  // from FORMAT_YUV420SP, from FORMAT_YUV420SPVU
 };
 
 constexpr Converter kConverters[] = {
-    {FORMAT_YUV420SP, convYUV420SP_YUV420SP, convYUV420SP_VU2UV},
-    {FORMAT_YUV420SPVU, convYUV420SP_VU2UV, convYUV420SP_YUV420SP},
-    {FORMAT_YUV422SP, convYUV420SP_YUV422SP, convYUV420SP_YUV422SP_VU2UV},
-    {FORMAT_YUV422SPVU, convYUV420SP_YUV422SP_VU2UV, convYUV420SP_YUV422SP},
-    {FORMAT_RGB565, convYUV420SP_RGB565, convYUV420SP_RGB565},
-    {FORMAT_RGB888, convYUV420SP_RGB888, convYUV420SP_RGB888},
-    {FORMAT_RGBA8888, convYUV420SP_RGBA8888, convYUV420SP_RGBA8888},
-    {FORMAT_YUV420SPMB, nullptr, convYUV420SPVU_YUV420SPMB},
+    {FORMAT_YUV420SP, {convYUV420SP_YUV420SP, convYUV420SP_VU2UV}},
+    {FORMAT_YUV420SPVU, {convYUV420SP_VU2UV, convYUV420SP_YUV420SP}},
+    {FORMAT_YUV422SP, {convYUV420SP_YUV422SP, convYUV420SP_YUV422SP_VU2UV}},
+    {FORMAT_YUV422SPVU, {convYUV420SP_YUV422SP_VU2UV, convYUV420SP_YUV422SP}},
+    {FORMAT_RGB565, {convYUV420SP_RGB565, convYUV420SP_RGB565}},
+    {FORMAT_RGB888, {convYUV420SP_RGB888, convYUV420SP_RGB888}},
+    {FORMAT_RGBA8888, {convYUV420SP_RGBA8888, convYUV420SP_RGBA8888}},
+    {FORMAT_YUV420SPMB, {nullptr, convYUV420SPVU_YUV420SPMB}},
 };
 
 Stage findConverter(uint32_t from, uint32_t to) {
   for (const Converter& converter : kConverters) {
     if (converter.to != to) continue;
-    return from == FORMAT_YUV420SP ? converter.fromUV : converter.fromVU;
+    return converter.from[from == FORMAT_YUV420SP ? 0 : 1];
   }
   return nullptr;
 }

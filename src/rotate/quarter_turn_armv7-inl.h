@@ -1,4 +1,5 @@
-// A tile transposed on 32-bit Arm. Included by quarter_turn.cc in each of its passes.
+// A tile of bytes transposed on 32-bit Arm. Included by quarter_turn.cc in each of its
+// passes.
 #include "simd/vector-inl.h"
 
 #if ZELM_ARMV7
@@ -18,11 +19,9 @@ HWY_INLINE void transposePairs(Transpose transpose, uint8x16_t& a, uint8x16_t& b
   b = reinterpret_cast<uint8x16_t>(both.val[1]);
 }
 
-// A tile makes 16 rows of 8 samples, as many as fit in the registers.
-constexpr size_t kTileColumns = 8;
-
-HWY_INLINE void transposeTile(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
-                              ptrdiff_t fromStride) {
+// Makes 16 rows of 8 samples, as many as fit in the registers.
+HWY_INLINE void transposeBytes(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
+                               ptrdiff_t fromStride) {
   uint8x16_t v[8];
   for (uint8x16_t& row : v) {
     row = vld1q_u8(from);

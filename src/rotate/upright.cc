@@ -1,9 +1,10 @@
-// Copies a luma region, or turns it by half a turn.
+// Reverses rows, and copies a luma region or turns it by half a turn.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rotate/upright.cc"
 #include "simd/each_target.h"  // before all others
 
 #include "plane.h"
+#include "rotate/turn.h"
 #include "rotate/upright_neon-inl.h"
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
@@ -13,17 +14,34 @@ HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
-#if ZELM_VECTORS && !ZELM_NEON
-template <class D>
+#if ZELM_VECTORS
+// The shuffle that reverses the samples of a block. Where a sample has 3 bytes they are
+// the last 15 bytes of the block, which become the first ones.
+template <size_t kSample>
+struct Backwards {
+  alignas(16) uint8_t order[16];
+
+  constexpr Backwards() : order() {
+    for (size_t i = 0; i < 16 / kSample * kSample; ++i) {
+      order[i] =
+          static_cast<uint8_t>(16 - kSample - i / kSample * kSample + i % kSample);
+    }
+  }
+};
+
+template <size_t kSample, class D>
+HWY_INLINE void reverseBlock(D d, uint8_t* to, const uint8_t* from) {
+  static constexpr Backwards<kSample> kShuffle;
+  auto v = hn::TableLookupBytes(hn::LoadU(d, from), hn::LoadDup128(d, kShuffle.order));
+  if (MaxLanes(d) > 16) v = hn::ConcatLowerUpper(d, v, v);
+  hn::StoreU(v, d, to);
+}
+
+template <size_t kSample, class D>
 HWY_INLINE size_t reverseBlocks(D d, uint8_t* to, const uint8_t* from, size_t bytes) {
   constexpr size_t kBlock = MaxLanes(D());
-  alignas(16) static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                         7,  6,  5,  4,  3,  2,  1, 0};
-  const auto backwards = hn::LoadDup128(d, kBackwards);
   const auto reverse = [&](size_t x) HWY_ATTR {
-    auto v = hn::TableLookupBytes(hn::LoadU(d, from + bytes - kBlock - x), backwards);
-    if (kBlock > 16) v = hn::ConcatLowerUpper(d, v, v);
-    hn::StoreU(v, d, to + x);
+    reverseBlock<kSample>(d, to + x, from + bytes - kBlock - x);
   };
   constexpr size_t kTurn = kBlock == 16 ? 64 : kBlock;
   const size_t done = inBlocks(bytes, kTurn, [&](size_t x) HWY_ATTR {
@@ -32,22 +50,47 @@ HWY_INLINE size_t reverseBlocks(D d, uint8_t* to, const uint8_t* from, size_t by
   return done > 0 ? done : inBlocks(bytes, kBlock, reverse);
 }
 
+template <size_t kSample>
 HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
-  // Wider blocks that are read downwards are slower, until rows outgrow the first two
-  // levels of cache.
-  if (bytes >= size_t{3} << 20) {
-    return reverseBlocks(hn::CappedTag<uint8_t, 32>(), to, from, bytes);
+  const hn::Full128<uint8_t> block;
+  if constexpr (kSample == 3) {
+    // Each block stores 15 bytes and one more, which the next one stores anew.
+    size_t x = 0;
+    for (; x + 16 <= bytes; x += 15) {
+      reverseBlock<3>(block, to + x, from + bytes - 16 - x);
+    }
+    return x;
+  } else {
+#if ZELM_NEON
+    if constexpr (kSample == 1) return reverseBytes(to, from, bytes);
+#else
+    // Wider blocks that are read downwards are slower, until rows outgrow the first two
+    // levels of cache.
+    if (bytes >= size_t{3} << 20) {
+      return reverseBlocks<kSample>(hn::CappedTag<uint8_t, 32>(), to, from, bytes);
+    }
+#endif
+    return reverseBlocks<kSample>(block, to, from, bytes);
   }
-  return reverseBlocks(hn::Full128<uint8_t>(), to, from, bytes);
 }
 #endif
 
-void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
+template <size_t kSample>
+void reverseRow(uint8_t* to, const uint8_t* from, size_t samples) {
+  const size_t bytes = samples * kSample;
   size_t done = 0;
 #if ZELM_VECTORS
-  done = reverseInBlocks(to, from, bytes);
+  done = reverseInBlocks<kSample>(to, from, bytes);
 #endif
-  for (size_t x = done; x < bytes; ++x) to[x] = from[bytes - 1 - x];
+  for (size_t x = done; x < bytes; x += kSample) {
+    std::memcpy(to + x, from + bytes - kSample - x, kSample);
+  }
+}
+
+ReverseRow* kernelOf(size_t sample) {
+  ReverseRow* const kernels[] = {reverseRow<1>, reverseRow<2>, reverseRow<3>,
+                                 reverseRow<4>};
+  return kernels[sample - 1];
 }
 
 }  // namespace
@@ -55,6 +98,10 @@ void reverseRow(uint8_t* to, const uint8_t* from, size_t bytes) {
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+zelm::ReverseRow* zelm::reverseKernel(size_t sample) {
+  return ZELM_KERNEL(kernelOf)(sample);
+}
+
 extern "C" void rotate0_Y(ImageStruct* dst, ImageStruct* src) {
   const zelm::Region from = zelm::lumaRegion(*src);
   zelm::copyRows(zelm::lumaRegion(*dst), from, from.rows, from.columns);
@@ -63,7 +110,7 @@ extern "C" void rotate0_Y(ImageStruct* dst, ImageStruct* src) {
 extern "C" void rotate180_Y(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const Region from = lumaRegion(*src), to = lumaRegion(*dst);
-  const auto turnRow = ZELM_KERNEL(reverseRow);
+  ReverseRow* const turnRow = reverseKernel(1);
   const RowSpan span = joinRows(to, from, from.rows, from.columns);
   for (size_t y = 0; y < span.rows; ++y) {
     turnRow(to.row(y), from.row(span.rows - 1 - y), span.bytes);

@@ -1,8 +1,13 @@
 // ZELM_KERNEL(name) is the function `name` of the instruction set to run with, out of
 // those that simd/each_target.h has compiled, and that of VBMI where the file ends with
-// simd/vbmi_pass.h. It is used under #if HWY_ONCE.
+// simd/vbmi_pass.h. ZELM_KERNEL_FOR(name, bytes) is the same for rows that offer
+// vectors no more than so many bytes: a row that is shorter than a vector is left to
+// plain code, and a set with shorter vectors is faster than that. Both are used under
+// #if HWY_ONCE.
 #ifndef ZELM_SRC_SIMD_DISPATCH_H_
 #define ZELM_SRC_SIMD_DISPATCH_H_
+
+#include <cstddef>
 
 #include "simd/instruction_set.h"
 
@@ -14,11 +19,21 @@
 
 namespace zelm {
 
+// The set that rows of so many bytes run with: the highest one that this machine
+// offers, as far as its vectors fit into a row.
+inline InstructionSet instructionSetFor(size_t bytes) {
+  const InstructionSet offered = instructionSet();
+  const InstructionSet fitting = bytes < 32   ? InstructionSet::kSse4
+                                 : bytes < 64 ? InstructionSet::kAvx2
+                                              : InstructionSet::kAvx512Vbmi;
+  return offered < fitting ? offered : fitting;
+}
+
 template <class Kernel>
-Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
-                   Kernel* vbmi) {
+Kernel* pickKernel(InstructionSet set, Kernel* plain, Kernel* sse4, Kernel* avx2,
+                   Kernel* avx512, Kernel* vbmi) {
   Kernel* const kernels[] = {plain, sse4, avx2, avx512, vbmi};
-  return kernels[static_cast<int>(instructionSet())];
+  return kernels[static_cast<int>(set)];
 }
 
 }  // namespace zelm
@@ -46,18 +61,20 @@ Kernel* pickKernel(Kernel* plain, Kernel* sse4, Kernel* avx2, Kernel* avx512,
 #endif
 // Redefined by simd/vbmi_pass.h.
 #define ZELM_WITH_VBMI(name) ZELM_AVX512(name)
-#define ZELM_KERNEL(name)                                           \
-  pickKernel(&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), \
+#define ZELM_KERNEL_OF(set, name)                                        \
+  pickKernel(set, &ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), \
              &ZELM_AVX512(name), &ZELM_WITH_VBMI(name))
+#define ZELM_KERNEL(name) ZELM_KERNEL_OF(instructionSet(), name)
+#define ZELM_KERNEL_FOR(name, bytes) ZELM_KERNEL_OF(instructionSetFor(bytes), name)
 
 #else
 
 namespace zelm {
 
 // Hides from the compiler which function it is: a kernel that is inlined into the loop
-// over rows has to share its registers.
+// over rows has to share its registers. There is one set, however long rows are.
 template <class Kernel>
-Kernel* asFunction(Kernel* kernel) {
+Kernel* asFunction(Kernel* kernel, size_t = 0) {
   asm("" : "+r"(kernel));
   return kernel;
 }
@@ -65,6 +82,7 @@ Kernel* asFunction(Kernel* kernel) {
 }  // namespace zelm
 
 #define ZELM_KERNEL(name) asFunction(&HWY_NAMESPACE::name)
+#define ZELM_KERNEL_FOR(name, bytes) asFunction(&HWY_NAMESPACE::name, bytes)
 
 #endif
 

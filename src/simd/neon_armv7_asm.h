@@ -63,7 +63,7 @@ inline void putHalves(uint8_t*& low, uint8_t*& high, uint8x16_t v) {
                : "memory");
 }
 
-// Eight bytes are reversed and put in their place by one instruction.
+// One instruction reverses eight bytes and puts them in their place.
 inline void reverse64(uint8_t*& to, const uint8_t*& from) {
   asm volatile(
       "vld1.8 {d16-d19}, [%1]!\n\t"
