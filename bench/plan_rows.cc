@@ -134,15 +134,18 @@ class Picture {
   size_t size_;
 };
 
-// Waves in every plane. What a byte is called does not matter for that, so frames are
-// painted as grey ones.
+// Waves in every plane. What bytes are called does not matter for that: a frame of one
+// plane is painted as if it had planes of luma and pairs, which end behind it.
 void fill(const Picture& picture) {
+  const bool planar = picture.frame.format == ZELM_I420;
   const size_t width = static_cast<size_t>(picture.frame.planes[0].stride);
-  Frame grey(shape(FORMAT_YUV420SP, static_cast<int>(width),
-                   static_cast<int>(picture.size() / width * 2 / 3 + 2) & ~1),
-             Buffer::kBetween);
-  paint(grey);
-  memcpy(picture.data(), grey.record.data, picture.size());
+  const size_t rows = (picture.size() + width - 1) / width;
+  const size_t height = (rows * 2 / 3 + 1) & ~size_t{1};  // rows are 1.5 times as many
+  const Frame frame(shape(planar ? FORMAT_YUV420P : FORMAT_YUV420SP,
+                          static_cast<int>(width), static_cast<int>(height)),
+                    Buffer::kBetween, picture.size());
+  paint(frame);
+  memcpy(picture.data(), frame.record.data, picture.size());
 }
 
 void runPlan(const ZelmPlan* plan, const PlanJob& job, int threads) {
