@@ -66,42 +66,37 @@ template <>
 class Weights<false> {
  public:
   HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
-      : yLeft_(alternate(colour.y, 0)),
-        yRight_(alternate(0, colour.y)),
-        r_(pairWeights(chroma.uFirst, 0, colour.rv)),
-        g_(pairWeights(chroma.uFirst, -colour.gu, -colour.gv)),
-        b_(pairWeights(chroma.uFirst, colour.bu / blueFactor(colour), 0)),
-        blueFactor_(hn::Set(i16, static_cast<int16_t>(blueFactor(colour)))),
-        black_(hn::Set(i32, (1 << 15) - 4 * colour.y * colour.offset)) {}
+      : Weights(colour, chroma.uFirst, colour.bu > INT16_MAX ? 2 : 1) {}
 
   static HWY_INLINE bool firstIsBlue(const ChromaRows&) { return false; }
 
   HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y, Vec<I16>,
                                Vec<I16>) const {
+    // A lane of 32 bits holds the luma of a left and a right pixel.
     const Vec<I16> y4 = hn::ShiftLeft<2>(y);
-    const Sums l = sums(hn::Add(halfLeft, halfLeft), y4, yLeft_);
-    const Sums r = sums(right, y4, yRight_);
-    return {upperHalves(l.r, l.b), upperHalves(r.r, r.b), upperHalves(l.g, r.g)};
+    const Vec<I32> left0 = addPairProducts(black_, y4, yLeft_);
+    const Vec<I32> right0 = addPairProducts(black_, y4, yRight_);
+    const Vec<I16> leftRb = hn::Mul(halfLeft, hn::Add(factors_, factors_));
+    const Vec<I16> rightRb = hn::Mul(right, factors_);
+    return {upperHalves(addPairProducts(left0, leftRb, r_),
+                        addPairProducts(left0, leftRb, b_)),
+            upperHalves(addPairProducts(right0, rightRb, r_),
+                        addPairProducts(right0, rightRb, b_)),
+            upperHalves(addPairProducts(left0, halfLeft, hn::Add(g_, g_)),
+                        addPairProducts(right0, right, g_))};
   }
 
  private:
-  struct Sums {
-    Vec<I32> r, g, b;
-  };
+  HWY_INLINE Weights(const YuvToRgb& colour, bool uFirst, int blueFactor)
+      : yLeft_(alternate(colour.y, 0)),
+        yRight_(alternate(0, colour.y)),
+        r_(pairWeights(uFirst, 0, colour.rv)),
+        g_(pairWeights(uFirst, -colour.gu, -colour.gv)),
+        b_(pairWeights(uFirst, colour.bu / blueFactor, 0)),
+        factors_(pairWeights(uFirst, blueFactor, 1)),
+        black_(hn::Set(i32, (1 << 15) - 4 * colour.y * colour.offset)) {}
 
-  static HWY_INLINE int blueFactor(const YuvToRgb& colour) {
-    return colour.bu > INT16_MAX ? 2 : 1;
-  }
-
-  // The weight of one of a lane's two lumas is 0.
-  HWY_INLINE Sums sums(Vec<I16> differences, Vec<I16> y4, Vec<I16> yWeights) const {
-    const Vec<I32> base = addPairProducts(black_, y4, yWeights);
-    return {addPairProducts(base, differences, r_),
-            addPairProducts(base, differences, g_),
-            addPairProducts(base, hn::Mul(differences, blueFactor_), b_)};
-  }
-
-  Vec<I16> yLeft_, yRight_, r_, g_, b_, blueFactor_;
+  Vec<I16> yLeft_, yRight_, r_, g_, b_, factors_;
   Vec<I32> black_;
 };
 
