@@ -139,12 +139,12 @@ const Mistake kMistakes[] = {
        r->edit.source = {2, 2, 0, 4};
      },
      ZELM_BAD_REGION,
-     {"0"}},
+     {"no columns"}},
     {[](Request* r) {
        r->edit.source = {2, 2, 4, 0};
      },
      ZELM_BAD_REGION,
-     {"0"}},
+     {"no rows"}},
     {[](Request* r) {
        r->edit.destination = {4, 4, 0, 0};
      },
