@@ -16,12 +16,13 @@ enum Chroma {
   kPairsUV,     // a step of 2, U first, V one byte behind it
   kPairsVU,     // a step of 2, V first, U one byte behind it
   kSideBySide,  // a row of the third plane behind each row of the second
+  kMixedSteps,  // steps of 2 and 1, each plane in memory of its own
   kChromas
 };
 
 struct Style {
-  size_t padding = 0;  // bytes between two rows
-  bool bottomUp = false;
+  size_t padding = 0;     // bytes between two rows
+  unsigned bottomUp = 0;  // bit p: plane p is stored bottom-up
   Chroma chroma = kApart;
   bool sizes = true;  // whether the planes say how large they are
 };
