@@ -54,7 +54,7 @@ Layout layOut(uint32_t format, uint32_t width, uint32_t height, uint32_t colour,
               const Style& style) {
   const Format& kind = formatOf(format);
   const Chroma chroma = kind.separate ? style.chroma : kApart;
-  const bool pairs = chroma == kPairsUV || chroma == kPairsVU;
+  const bool pairs = chroma >= kPairsUV && chroma <= kAlmostPairs;
   const bool shared = pairs || chroma == kSideBySide;
   Layout l = {};
   l.frame = {format, width, height, colour, {kNoPlane, kNoPlane, kNoPlane}};
@@ -67,14 +67,16 @@ Layout layOut(uint32_t format, uint32_t width, uint32_t height, uint32_t colour,
     const Extent e = extentOf(format, width, height, p, step);
     const size_t both = 2 * ((width + 1) / 2);
     const size_t rowBytes = isChroma && shared ? both : e.rowBytes;
-    const size_t stride = rowBytes + style.padding;
+    const bool sparse = chroma == kAlmostPairs && p == 2;
+    const size_t stride = (rowBytes + style.padding) * (sparse ? 2 : 1);
     // The planes that share a block begin at its first byte and a little later.
     const bool uLater = (chroma == kPairsVU) != (format == ZELM_YV12);
-    const bool later = chroma == kSideBySide ? p == 2 : shared && (p == 1) == uLater;
+    const bool ordered = chroma == kSideBySide || chroma == kAlmostPairs;
+    const bool later = ordered ? p == 2 : shared && (p == 1) == uLater;
     const size_t first = !isChroma || !later ? 0 : chroma == kSideBySide ? both / 2 : 1;
     const int block = shared && p == 2 ? 1 : p;
     l.bytes[block] = (e.rows - 1) * stride + rowBytes;
-    l.rows[block] = stride;
+    l.rows[block] = rowBytes + style.padding;
     const bool bottomUp = (style.bottomUp >> p & 1) != 0;
     l.places[p] = {block, first + (bottomUp ? (e.rows - 1) * stride : 0)};
     const ptrdiff_t down = static_cast<ptrdiff_t>(stride);

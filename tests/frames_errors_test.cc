@@ -89,9 +89,9 @@ const Mistake kPlaneMistakes[] = {
      },
      ZELM_OVERLAP,
      {"V"}},
-    // The last row of what is stored bottom-up is the one at the lowest address.
+    // The top row of what is stored bottom-up is behind the source, the others are not.
     {[](Request* r) {
-       r->dst.frame.planes[0].data = r->src.frame.planes[0].data + 47 * 64 + 1536;
+       r->dst.frame.planes[0].data = r->src.frame.planes[2].data + 768;
        r->dst.frame.planes[0].stride = -64;
      },
      ZELM_OVERLAP,

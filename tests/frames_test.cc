@@ -247,7 +247,7 @@ TEST(FramesPlan, RunsWithOtherPointersAndStrides) {
     };
     for (uint32_t s = 0; s < kChromas; ++s) {
       const Style style = {s * 9, s % 2 * 7, static_cast<Chroma>(s), s % 2 == 0};
-      const Style other = {50 - s * 9, s / 2 % 2 * 7,
+      const Style other = {60 - s * 9, s / 2 % 2 * 7,
                            static_cast<Chroma>(kChromas - 1 - s), true};
       ASSERT_TRUE(
           compare({layOut(to, 75, 60, 0, style), layOut(from, 60, 75, 0, other), edit},
