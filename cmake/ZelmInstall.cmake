@@ -1,36 +1,78 @@
-# What is installed, in three components: runtime (the shared library), devel (header,
-# static library, what CMake and pkg-config read) and tool (the program).
+# What is installed, in five components: of each library its run-time files (runtime,
+# frames) and its development files (devel, frames_devel), and the program (tool).
 include(CMakePackageConfigHelpers)
 set(generated ${PROJECT_BINARY_DIR}/install)
-set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelm_imageutil)
 
-install(TARGETS zelm_imageutil zelm_imageutil_static EXPORT zelm_imageutil
-  LIBRARY COMPONENT runtime NAMELINK_COMPONENT devel
-  ARCHIVE COMPONENT devel)
-install(FILES ${PROJECT_SOURCE_DIR}/include/zelm_imageutil.h TYPE INCLUDE COMPONENT devel)
-install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md TYPE DOC COMPONENT devel)
-install(FILES ${PROJECT_SOURCE_DIR}/examples/preview.c
-  DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT devel)
-
-# For CMake. The file of the targets finds the tree that it stands in by itself.
-install(EXPORT zelm_imageutil NAMESPACE zelm:: DESTINATION ${package_dir}
-  FILE zelm_imageutilConfig.cmake COMPONENT devel)
-write_basic_package_version_file(${generated}/zelm_imageutilConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES ${generated}/zelm_imageutilConfigVersion.cmake
-  DESTINATION ${package_dir} COMPONENT devel)
-
-# For pkg-config. Folders are given as seen from the .pc file, so that the tree may move.
+# Folders in .pc files are given as seen from them, so that the tree may move.
 file(RELATIVE_PATH ZELM_PC_PREFIX
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH ZELM_PC_LIBDIR ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
 file(RELATIVE_PATH ZELM_PC_INCLUDEDIR
   ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 string(REGEX REPLACE "/$" "" ZELM_PC_PREFIX "${ZELM_PC_PREFIX}")
-configure_file(${PROJECT_SOURCE_DIR}/cmake/zelm_imageutil.pc.in
-  ${generated}/zelm_imageutil.pc @ONLY)
-install(FILES ${generated}/zelm_imageutil.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT devel)
+
+# zelm_install_library(<library> VERSION <version> COMPATIBILITY <word> RUNTIME <component>
+#   DEVEL <component> DESCRIPTION <text> EXAMPLES <file>... [STATIC_NEEDS <library>])
+# The shared and the static library, the header, the examples, and what CMake and
+# pkg-config read. COMPATIBILITY says which other versions a project may ask for,
+# STATIC_NEEDS which library of the same build the static one is linked with.
+function(zelm_install_library library)
+  cmake_parse_arguments(arg ""
+    "VERSION;COMPATIBILITY;RUNTIME;DEVEL;DESCRIPTION;STATIC_NEEDS" "EXAMPLES" ${ARGN})
+  set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${library})
+  set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/${library})
+  set(ZELM_LIBRARY ${library})
+  set(ZELM_LIBRARY_VERSION ${arg_VERSION})
+  set(ZELM_LIBRARY_DESCRIPTION ${arg_DESCRIPTION})
+  if(arg_STATIC_NEEDS)
+    set(ZELM_PC_REQUIRES_PRIVATE " ${arg_STATIC_NEEDS} = ${PROJECT_VERSION}")
+    set(ZELM_LIBRARY_DEPENDENCIES "include(CMakeFindDependencyMacro)
+find_dependency(${arg_STATIC_NEEDS} ${PROJECT_VERSION} EXACT
+  HINTS \${CMAKE_CURRENT_LIST_DIR}/../${arg_STATIC_NEEDS})")
+  endif()
+
+  install(TARGETS ${library} ${library}_static EXPORT ${library}
+    LIBRARY COMPONENT ${arg_RUNTIME} NAMELINK_COMPONENT ${arg_DEVEL}
+    ARCHIVE COMPONENT ${arg_DEVEL})
+  install(FILES ${PROJECT_SOURCE_DIR}/include/${library}.h TYPE INCLUDE
+    COMPONENT ${arg_DEVEL})
+  install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${doc_dir}
+    COMPONENT ${arg_DEVEL})
+  list(TRANSFORM arg_EXAMPLES PREPEND ${PROJECT_SOURCE_DIR}/examples/)
+  install(FILES ${arg_EXAMPLES} DESTINATION ${doc_dir}/examples COMPONENT ${arg_DEVEL})
+
+  install(EXPORT ${library} NAMESPACE zelm:: DESTINATION ${package_dir}
+    FILE ${library}Targets.cmake COMPONENT ${arg_DEVEL})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/library-config.cmake.in
+    ${generated}/${library}Config.cmake @ONLY)
+  write_basic_package_version_file(${generated}/${library}ConfigVersion.cmake
+    VERSION ${arg_VERSION} COMPATIBILITY ${arg_COMPATIBILITY})
+  install(FILES ${generated}/${library}Config.cmake
+    ${generated}/${library}ConfigVersion.cmake
+    DESTINATION ${package_dir} COMPONENT ${arg_DEVEL})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${generated}/${library}.pc
+    @ONLY)
+  install(FILES ${generated}/${library}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${arg_DEVEL})
+endfunction()
+
+zelm_install_library(zelm_imageutil
+  VERSION ${PROJECT_VERSION}
+  COMPATIBILITY SameMajorVersion
+  RUNTIME runtime
+  DEVEL devel
+  DESCRIPTION "${PROJECT_DESCRIPTION}"
+  EXAMPLES preview.c)
+# Its static library calls kernels of the other one, which are no part of any interface and
+# differ from build to build.
+zelm_install_library(zelm_frames
+  VERSION ${ZELM_FRAMES_VERSION}
+  COMPATIBILITY SameMinorVersion
+  RUNTIME frames
+  DEVEL frames_devel
+  DESCRIPTION "${ZELM_FRAMES_DESCRIPTION}"
+  EXAMPLES camera_preview.c decoded_frame.c all_cores.cc all_cores_openmp.c
+  STATIC_NEEDS zelm_imageutil)
 
 if(TARGET zelm-imageutil)
   configure_file(${PROJECT_SOURCE_DIR}/docs/zelm-imageutil.1.in

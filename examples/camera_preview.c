@@ -1,8 +1,9 @@
 /* An upright, mirrored preview of a front camera's frame, whose sensor is mounted
- * sideways: zelm-imageutil testcard - --size 1280x720 --to nv12 | camera_preview
- * >preview.ppm Camera services hand out three planes, each with bytes from row to row
- * and from sample to sample; U and V often lie in each other's gaps, and the last gap
- * is not there. */
+ * sideways:
+ *   zelm-imageutil testcard - --size 1280x720 --to nv12 | camera_preview >preview.ppm
+ * Camera services hand out three planes, each with bytes from row to row and from
+ * sample to sample; U and V often lie in each other's gaps, and the last gap is not
+ * there. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <zelm_frames.h>

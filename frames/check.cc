@@ -3,7 +3,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <initializer_list>
 
 #include "frames/planes.h"
 
@@ -105,7 +104,7 @@ int checkSpan(const NamedFrame& frame, const Format& format, const Span& span,
               bool isTarget, ZelmMessage* message) {
   if (span.size == 0) {
     return refuse(message, ZELM_BAD_REGION,
-                  "%s: the region has no %ss; all zero would be the whole frame",
+                  "%s: the region has 0 %ss; all zero would be the whole frame",
                   frame.name, span.side);
   }
   if (span.first > span.all || span.size > span.all - span.first) {
@@ -240,13 +239,17 @@ int checkRegion(const NamedFrame& frame, const ZelmRegion& region, bool isTarget
 }
 
 int checkEdit(const ZelmEdit& edit, ZelmMessage* message) {
-  for (const uint32_t filter : {edit.lumaFilter, edit.chromaFilter}) {
-    if (filter > ZELM_CUBIC) {
-      return refuse(message, ZELM_BAD_FILTER,
-                    "there is no filter %lu; they are 0 (linear), 1 (nearest) and 2 "
-                    "(cubic)",
-                    static_cast<unsigned long>(filter));
-    }
+  const struct {
+    const char* name;
+    uint32_t filter;
+  } filters[] = {{"luma", edit.lumaFilter}, {"chroma", edit.chromaFilter}};
+  for (const auto& f : filters) {
+    if (f.filter <= ZELM_CUBIC) continue;
+    return refuse(
+        message, ZELM_BAD_FILTER,
+        "there is no %s filter %lu; filters are 0 (linear), 1 (nearest) and 2 "
+        "(cubic)",
+        f.name, static_cast<unsigned long>(f.filter));
   }
   if (edit.turn != 0 && edit.turn != 90 && edit.turn != 180 && edit.turn != 270) {
     return refuse(message, ZELM_BAD_TURN,

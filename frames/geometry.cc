@@ -50,7 +50,7 @@ int nextShift(int halvings) { return halvings == 1 ? 1 : 2; }
 
 void reduce(const Region& to, const Region& from, int shift, size_t sample) {
   const size_t factor = size_t{1} << shift;
-  const auto average = averageKernel(factor, sample);
+  const auto average = averageKernel(factor, sample, to.columns * sample);
   for (size_t y = 0; y < to.rows; ++y) {
     const uint8_t* next = y + 1 < to.rows ? from.row(factor * (y + 1)) : nullptr;
     average(to.row(y), from.row(factor * y), from.stride, to.columns * sample, next);
@@ -76,12 +76,23 @@ void turnInto(const Region& to, Region from, const Turn& turn, size_t sample) {
   if (turn.rowsReversed) from = lastRowFirst(from);
   if (turn.transposed) {
     const Region rows = turn.columnsReversed ? lastRowFirst(to) : to;
-    transposeKernel(sample)(rows.origin, rows.stride, from.origin, from.stride,
-                            rows.columns, rows.rows);
+    transposeKernel(sample, rows.columns)(rows.origin, rows.stride, from.origin,
+                                          from.stride, rows.columns, rows.rows);
     return;
   }
   const auto reverse = reverseKernel(sample);
   for (size_t y = 0; y < to.rows; ++y) reverse(to.row(y), from.row(y), to.columns);
+}
+
+ScalePart* scaleKernel(uint32_t filter, size_t sample, size_t bytes) {
+  switch (filter) {
+    case ZELM_NEAREST:
+      return nearestKernel(sample, bytes);
+    case ZELM_CUBIC:
+      return bicubicKernel(sample, bytes);
+    default:
+      return bilinearKernel(sample, bytes);
+  }
 }
 
 }  // namespace
@@ -96,17 +107,6 @@ Turn turnOf(unsigned degrees, bool mirror) {
       return {true, true, mirror};
     default:
       return {false, mirror, false};
-  }
-}
-
-ScalePart* scaleKernel(uint32_t filter, size_t sample) {
-  switch (filter) {
-    case ZELM_NEAREST:
-      return nearestKernel(sample);
-    case ZELM_CUBIC:
-      return bicubicKernel(sample);
-    default:
-      return bilinearKernel(sample);
   }
 }
 
@@ -138,7 +138,8 @@ Region makeLayer(const Shape& shape, size_t sample, const Rect& rect,
     const Region to = place(afterScaling, scaled);
     const PlanePart part = {scaled.column, scaled.row, shape.scaled.columns,
                             shape.scaled.rows};
-    scaleKernel(shape.filter, sample)(
+    const size_t columns = to.columns < have.columns ? to.columns : have.columns;
+    scaleKernel(shape.filter, sample, columns * sample)(
         to, wholeOf(have, reduced, shape.reduced(), sample), part);
     have = to;
   }

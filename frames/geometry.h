@@ -28,9 +28,6 @@ inline Size turned(Size size, const Turn& turn) {
   return turn.transposed ? Size{size.rows, size.columns} : size;
 }
 
-// Returns the kernel of a filter for samples of 1 to 4 bytes.
-ScalePart* scaleKernel(uint32_t filter, size_t sample);
-
 // How a layer is shaped. Sizes are those of the layer, not of luma.
 struct Shape {
   Size source;

@@ -21,14 +21,16 @@ const uint8_t* PairRows::original(size_t y) {
   if (pairs_) return chroma_[0].row(y - first_);
   return joined_.get(y, [&](uint8_t* row) {
     const uint8_t *u = chroma_[0].row(y - first_), *v = chroma_[1].row(y - first_);
-    joinPairsKernel()(row, uFirst_ ? u : v, uFirst_ ? v : u, chroma_[0].columns, false);
+    const size_t pairs = chroma_[0].columns;
+    joinPairsKernel(pairs)(row, uFirst_ ? u : v, uFirst_ ? v : u, pairs, false);
   });
 }
 
 const uint8_t* PairRows::get(size_t y) {
   if (weights_ == nullptr) return original(y);
   return recoloured_.get(y, [&](uint8_t* row) {
-    recolourPairsKernel()(row, original(y), uFirst_, chroma_[0].columns, *weights_);
+    const size_t pairs = chroma_[0].columns;
+    recolourPairsKernel(pairs)(row, original(y), uFirst_, pairs, *weights_);
   });
 }
 

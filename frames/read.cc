@@ -11,19 +11,21 @@ namespace zelm {
 // Returns `columns` samples of a row of the plane, in place or in `to`.
 const uint8_t* LayerReader::row(uint8_t* to, size_t y, size_t column,
                                 size_t columns) const {
+  const size_t bytes = columns * sample;
   switch (storage) {
     case Storage::kFirstBytes:
-      firstBytesKernel()(to, plane.row(y) + 2 * column * sample, columns * sample);
+      firstBytesKernel(bytes)(to, plane.row(y) + 2 * column * sample, bytes);
       return to;
     case Storage::kSecondBytes:
-      secondBytesKernel()(to, plane.row(y) + 2 * column * sample, columns * sample);
+      secondBytesKernel(bytes)(to, plane.row(y) + 2 * column * sample, bytes);
       return to;
     case Storage::kTiles:
       TiledPlane{plane.origin, plane.stride, rowsOfTile}.readRow(
-          to, tileRow + y, (tileColumn + column) * sample, columns * sample);
+          to, tileRow + y, (tileColumn + column) * sample, bytes);
       return to;
     case Storage::kWords565:
-      repackKernel()(to, RgbLayout::kRgba, plane.row(y) + 2 * column, rgb, columns);
+      repackKernel(columns)(to, RgbLayout::kRgba, plane.row(y) + 2 * column, rgb,
+                            columns);
       return to;
     default:
       return plane.row(y) + column * sample;
@@ -46,7 +48,7 @@ Region LayerReader::read(const Rect& rect, Scratch& scratch, const Region* sink)
   }
   uint8_t* upperRow = scratch.take(1, bytes, 1).origin;
   uint8_t* lowerRow = scratch.take(1, bytes, 1).origin;
-  const auto mean = meanRowKernel();
+  const auto mean = meanRowKernel(bytes);
   for (size_t y = 0; y < rect.rows; ++y) {
     const size_t from = 2 * (rect.row + y);
     const bool alone = rows == Rows::kUpper || from + 1 == plane.rows;

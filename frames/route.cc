@@ -74,7 +74,7 @@ void rgbToRgb(Band& band) {
   const bool same = from == route.to->rgb;
   const Region made = band.luma(same ? &to : nullptr);
   if (same) return;
-  const auto repack = repackKernel();
+  const auto repack = repackKernel(to.columns);
   for (size_t y = 0; y < band.rows; ++y) {
     repack(to.row(y), route.to->rgb, made.row(y), from, to.columns);
   }
@@ -84,8 +84,8 @@ void rgbToYuv(Band& band) {
   const Route& route = band.route;
   const Target& target = band.target;
   const Region pixels = band.luma(nullptr);
-  const auto convert = rgbToYuvKernel();
   const size_t columns = route.targetRegion.columns, shared = route.to->rowsShared();
+  const auto convert = rgbToYuvKernel(columns);
   const ChannelWeights weights =
       target.uFirst() ? route.fromRgb : withPairsSwapped(route.fromRgb);
   for (size_t y = 0; y < band.rows; y += shared) {
@@ -153,8 +153,8 @@ class ChromaOfTarget {
     if (expandedRow_ != k) {
       const uint8_t* row = rows_->get(k);
       const uint8_t* next = k < last_ ? rows_->get(k + 1) : row;
-      expandRowKernel(false)(expanded_.row(0), expanded_.row(1), row, next, bytes_,
-                             false);
+      expandRowKernel(false, bytes_)(expanded_.row(0), expanded_.row(1), row, next,
+                                     bytes_, false);
       expandedRow_ = k;
     }
     return expanded_.row(y % 2);
@@ -197,8 +197,8 @@ void splitPackedRows(Band& band) {
   const Route& route = band.route;
   const Target& target = band.target;
   const Region& from = band.layers.luma.plane;
-  const auto split = splitPackedKernel();
-  const size_t shared = route.rowsShared();
+  const size_t columns = route.targetRegion.columns, shared = route.rowsShared();
+  const auto split = splitPackedKernel(columns);
   for (size_t y = 0; y < band.rows; y += shared) {
     const size_t row = band.first + y;
     const bool two = shared == 2 && y + 1 < band.rows;
@@ -206,9 +206,8 @@ void splitPackedRows(Band& band) {
                         two ? target.lumaPlace(row + 1) : nullptr};
     uint8_t* pairs =
         target.uFirst() ? target.pairsPlace(row / shared) : target.scratchPairs();
-    split(luma, pairs, {from.row(row), two ? from.row(row + 1) : nullptr},
-          route.targetRegion.columns, route.from->uFirst,
-          route.chromaRows == Rows::kUpper);
+    split(luma, pairs, {from.row(row), two ? from.row(row + 1) : nullptr}, columns,
+          route.from->uFirst, route.chromaRows == Rows::kUpper);
     target.writeLuma(row, luma[0]);
     if (two) target.writeLuma(row + 1, luma[1]);
     target.writePairs(row / shared, pairs, true);
@@ -238,7 +237,7 @@ void yuvToYuv(Band& band) {
                        : PairRows();
   ChromaOfTarget chroma(band, route.needsChroma ? &pairs : nullptr,
                         done ? nullptr : band.neutralPairs());
-  const auto recolour = recolourLumaKernel();
+  const auto recolour = recolourLumaKernel(columns);
   const bool mixes =
       route.needsChroma && (route.recolour.yu != 0 || route.recolour.yv != 0);
   const bool packed = route.to->layout == Layout::kPacked;

@@ -30,7 +30,7 @@ void Target::writeLuma(size_t y, const uint8_t* luma) const {
 // Returns the pairs in the order of uFirst().
 const uint8_t* Target::ordered(const uint8_t* pairs, bool uFirst) const {
   if (uFirst == this->uFirst()) return pairs;
-  swapPairsKernel()(swapped_, pairs, 2 * pairs_);
+  swapPairsKernel(2 * pairs_)(swapped_, pairs, 2 * pairs_);
   return swapped_;
 }
 
@@ -44,7 +44,7 @@ void Target::writePairs(size_t y, const uint8_t* pairs, bool uFirst) const {
   if (planes_.pairs) {
     uint8_t* row = plane.row(y);
     if (uFirst != planes_.uFirst) {
-      swapPairsKernel()(row, pairs, 2 * pairs_);
+      swapPairsKernel(2 * pairs_)(row, pairs, 2 * pairs_);
     } else if (pairs != row) {
       copyBytes(row, pairs, 2 * pairs_);
     }
@@ -52,7 +52,7 @@ void Target::writePairs(size_t y, const uint8_t* pairs, bool uFirst) const {
   }
   uint8_t *u = plane.row(y), *v = planes_.chroma[1].row(y);
   if (storesPlanes()) {
-    splitPairsKernel()(uFirst ? u : v, uFirst ? v : u, pairs, pairs_, false);
+    splitPairsKernel(pairs_)(uFirst ? u : v, uFirst ? v : u, pairs, pairs_, false);
     return;
   }
   for (size_t i = 0; i < pairs_; ++i) {
@@ -66,8 +66,8 @@ void Target::writePacked(size_t y, const uint8_t* luma, const uint8_t* pairs,
   const uint8_t* chroma = ordered(pairs, uFirst);
   const bool chromaFirst = format_.uFirst;
   uint8_t* row = planes_.first.row(y);
-  joinPairsKernel()(row, chromaFirst ? chroma : luma, chromaFirst ? luma : chroma,
-                    region_.columns, false);
+  joinPairsKernel(region_.columns)(row, chromaFirst ? chroma : luma,
+                                   chromaFirst ? luma : chroma, region_.columns, false);
   if (region_.columns % 2 != 0) {
     // The last group holds one pixel, whose luma is written twice.
     uint8_t* second = row + 2 * region_.columns;

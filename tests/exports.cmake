@@ -1,11 +1,12 @@
-# The shared library exports the names of the map and no other, carries its name, and
-# needs nothing but the C library and its mathematics.
-# cmake -DLIBRARY=... -DMAP=... -DNM=... -DREADELF=... -P exports.cmake
+# A shared library exports the names of its map and no other, carries its name, and needs
+# nothing but the C library and its mathematics.
+# cmake -DLIBRARY=... -DMAP=... -DCOUNT=<how many names> -DSONAME=... -DNM=...
+#   -DREADELF=... -P exports.cmake
 file(STRINGS ${MAP} expected REGEX "^    [A-Za-z]")
 list(TRANSFORM expected REPLACE "[ ;]" "")
 list(SORT expected)
 list(LENGTH expected count)
-if(NOT count EQUAL 34)
+if(NOT count EQUAL COUNT)
   message(SEND_ERROR "${count} names in ${MAP}")
 endif()
 
@@ -26,6 +27,7 @@ foreach(entry IN LISTS needed)
     message(SEND_ERROR "${entry}")
   endif()
 endforeach()
-if(NOT dynamic MATCHES "SONAME[^\n]*\\[libzelm_imageutil\\.so\\.1\\]")
-  message(SEND_ERROR "no SONAME libzelm_imageutil.so.1")
+string(REGEX MATCH "\\(SONAME\\)[^\n]*\\[([^]]*)\\]" found "${dynamic}")
+if(NOT CMAKE_MATCH_1 STREQUAL SONAME)
+  message(SEND_ERROR "the SONAME is '${CMAKE_MATCH_1}' instead of ${SONAME}")
 endif()

@@ -1,4 +1,4 @@
-# The library installed, packaged or built within another project, and then used.
+# The libraries installed, packaged or built within another project, and then used.
 # Sanitizers and other machines would need programs that are built like the library.
 if(ZELM_INSTALL AND ZELM_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING AND NOT
    "${CMAKE_CXX_FLAGS} ${CMAKE_SHARED_LINKER_FLAGS}" MATCHES "-fsanitize|--coverage")
@@ -11,8 +11,7 @@ if(ZELM_INSTALL AND ZELM_TOP_LEVEL AND NOT CMAKE_CROSSCOMPILING AND NOT
     ENVIRONMENT "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CFLAGS=${CMAKE_C_FLAGS};CXXFLAGS=${CMAKE_CXX_FLAGS}")
 
   add_test(NAME subproject COMMAND ${CMAKE_COMMAND} -DLIBRARY=${PROJECT_SOURCE_DIR}
-    -DPROGRAM=${CMAKE_CURRENT_SOURCE_DIR}/c_program.c -DGENERATOR=${CMAKE_GENERATOR}
-    -DFOLDER=${CMAKE_CURRENT_BINARY_DIR}/subproject
+    -DGENERATOR=${CMAKE_GENERATOR} -DFOLDER=${CMAKE_CURRENT_BINARY_DIR}/subproject
     -P ${CMAKE_CURRENT_SOURCE_DIR}/subproject.cmake)
   set_tests_properties(subproject PROPERTIES
     ENVIRONMENT "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER}")

@@ -37,7 +37,7 @@ struct Range {
 // A method, and which source samples the destination samples of a range are made of.
 struct Method {
   const char* name;
-  ScalePart* (*kernelOf)(size_t sample);
+  ScalePart* (*kernelOf)(size_t sample, size_t bytes);
   reference::Scale* rule;
   bool nearest;
   size_t before, behind;
@@ -101,8 +101,8 @@ class PartTest {
       std::copy_n(&whole_[(rows.first + y) * rowBytes(to_) + columns.first * sample_],
                   bytes, &expected[(upwards_ ? count - 1 - y : y) * toStride]);
     }
-    method_.kernelOf(sample_)(to, from,
-                              {columns.first, rows.first, to_.columns, to_.rows});
+    method_.kernelOf(sample_, std::min(to.columns, from.columns) * sample_)(
+        to, from, {columns.first, rows.first, to_.columns, to_.rows});
     upwards_ = !upwards_;
     ASSERT_EQ(made, expected) << method_.name << ", " << sample_ << " bytes, "
                               << from_.columns << " x " << from_.rows << " to "
@@ -189,7 +189,7 @@ TEST(BoxAverages, AreMeansRoundedDown) {
             first += (factor - 1) * rowBytes;
             stride = -stride;
           }
-          averageKernel(factor, sample)(made, first, stride, bytes, nullptr);
+          averageKernel(factor, sample, bytes)(made, first, stride, bytes, nullptr);
           for (size_t i = 0; i < bytes; ++i) {
             size_t sum = 0;
             for (size_t k = 0; k < factor * factor; ++k) {
@@ -225,8 +225,8 @@ TEST(Turns, TransposeWithStridesOfEitherSign) {
         if (signs & 1) in = {in.row(in.rows - 1), -in.stride, in.columns, in.rows};
         if (signs & 2)
           out = {out.row(out.rows - 1), -out.stride, out.columns, out.rows};
-        transposeKernel(sample)(out.origin, out.stride, in.origin, in.stride,
-                                size.columns, size.rows);
+        transposeKernel(sample, out.columns)(out.origin, out.stride, in.origin,
+                                             in.stride, size.columns, size.rows);
         for (size_t y = 0; y < size.rows; ++y) {
           for (size_t x = 0; x < size.columns; ++x) {
             ASSERT_TRUE(std::equal(in.row(x) + y * sample, in.row(x) + (y + 1) * sample,
@@ -276,16 +276,16 @@ TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
       };
       const uint8_t* source = from.place(2 * bytes, guard, &random);
       uint8_t* made = to.place(bytes, guard, &random);
-      joinPairsKernel()(made, source, source + bytes, pairs, stream);
+      joinPairsKernel(pairs)(made, source, source + bytes, pairs, stream);
       expect(made, "join", [&](size_t i) { return source[i / 2 + i % 2 * bytes]; });
-      splitPairsKernel()(made, made + pairs, source, pairs, stream);
+      splitPairsKernel(pairs)(made, made + pairs, source, pairs, stream);
       expect(made, "split",
              [&](size_t i) { return source[i % pairs * 2 + i / pairs]; });
-      swapPairsKernel()(made, source, bytes);
+      swapPairsKernel(bytes)(made, source, bytes);
       expect(made, "swap", [&](size_t i) { return source[i ^ 1]; });
       uint8_t* odd = also.place(bytes, guard, &random);
       for (const bool swap : {false, true}) {
-        expandRowKernel(swap)(made, odd, source, source + bytes, bytes, stream);
+        expandRowKernel(swap, bytes)(made, odd, source, source + bytes, bytes, stream);
         const size_t flip = swap ? 1 : 0;
         expect(made, "even", [&](size_t i) { return source[i ^ flip]; });
         expect(odd, "odd", [&](size_t i) {

@@ -60,21 +60,30 @@ if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
   gtest_discover_tests(library_choice_test TEST_PREFIX library.)
 endif()
 
-# The public header in each language, and the shared library from C.
-foreach(standard 99 11)
-  set(test c${standard}_program)
-  add_executable(${test} c_program.c)
-  set_target_properties(${test} PROPERTIES
-    C_STANDARD ${standard} C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
-  target_compile_options(${test} PRIVATE -pedantic -Wall -Wextra -Werror)
-  target_link_libraries(${test} PRIVATE zelm_imageutil)
-  add_test(NAME ${test} COMMAND ${test})
-endforeach()
+# The public headers in each language, and the shared libraries from C.
+function(zelm_c_programs name source library)
+  foreach(standard 99 11)
+    set(test c${standard}_${name})
+    add_executable(${test} ${source})
+    set_target_properties(${test} PROPERTIES
+      C_STANDARD ${standard} C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
+    target_compile_options(${test} PRIVATE -pedantic -Wall -Wextra -Werror)
+    target_link_libraries(${test} PRIVATE ${library})
+    add_test(NAME ${test} COMMAND ${test})
+  endforeach()
+endfunction()
+zelm_c_programs(program c_program.c zelm_imageutil)
+zelm_c_programs(frames_program c_frames_program.c zelm_frames)
 
+function(zelm_exports_test name library map count soname)
+  add_test(NAME ${name} COMMAND ${CMAKE_COMMAND}
+    -DLIBRARY=$<TARGET_FILE:${library}> -DMAP=${PROJECT_SOURCE_DIR}/cmake/${map}
+    -DCOUNT=${count} -DSONAME=${soname} -DNM=${CMAKE_NM} -DREADELF=${CMAKE_READELF}
+    -P ${CMAKE_CURRENT_SOURCE_DIR}/exports.cmake)
+endfunction()
 # Sanitizers bring symbols and libraries of their own.
 if(NOT "${CMAKE_CXX_FLAGS} ${CMAKE_SHARED_LINKER_FLAGS}" MATCHES "-fsanitize|--coverage")
-  add_test(NAME exports COMMAND ${CMAKE_COMMAND}
-    -DLIBRARY=$<TARGET_FILE:zelm_imageutil> -DMAP=${PROJECT_SOURCE_DIR}/cmake/exports.map
-    -DNM=${CMAKE_NM} -DREADELF=${CMAKE_READELF}
-    -P ${CMAKE_CURRENT_SOURCE_DIR}/exports.cmake)
+  zelm_exports_test(exports zelm_imageutil exports.map 34 libzelm_imageutil.so.1)
+  zelm_exports_test(exports_of_frames zelm_frames frames_exports.map 8
+    libzelm_frames.so.0)
 endif()

@@ -103,10 +103,14 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-TakeBytes* firstBytesKernel() { return ZELM_KERNEL(firstBytes); }
-TakeBytes* secondBytesKernel() { return ZELM_KERNEL(secondBytes); }
-MeanRow* meanRowKernel() { return ZELM_KERNEL(meanRow); }
-SplitPacked* splitPackedKernel() { return ZELM_KERNEL(splitPacked); }
+TakeBytes* firstBytesKernel(size_t bytes) { return ZELM_KERNEL_FOR(firstBytes, bytes); }
+TakeBytes* secondBytesKernel(size_t bytes) {
+  return ZELM_KERNEL_FOR(secondBytes, bytes);
+}
+MeanRow* meanRowKernel(size_t bytes) { return ZELM_KERNEL_FOR(meanRow, bytes); }
+SplitPacked* splitPackedKernel(size_t pixels) {
+  return ZELM_KERNEL_FOR(splitPacked, pixels);
+}
 
 }  // namespace zelm
 #endif  // HWY_ONCE

@@ -161,7 +161,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-RepackPixels* repackKernel() { return ZELM_KERNEL(repackRow); }
+RepackPixels* repackKernel(size_t pixels) {
+  return ZELM_KERNEL_FOR(repackRow, 2 * pixels);
+}
 
 }  // namespace zelm
 #endif  // HWY_ONCE

@@ -12,7 +12,7 @@ namespace zelm {
 // From pixels of three or four bytes to any layout, or from words to R, G, B, A.
 using RepackPixels = void(uint8_t* to, RgbLayout toLayout, const uint8_t* from,
                           RgbLayout fromLayout, size_t pixels);
-RepackPixels* repackKernel();
+RepackPixels* repackKernel(size_t pixels);
 
 }  // namespace zelm
 

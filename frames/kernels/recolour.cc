@@ -123,8 +123,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-RecolourLuma* recolourLumaKernel() { return ZELM_KERNEL(recolourLumaRow); }
-RecolourPairs* recolourPairsKernel() { return ZELM_KERNEL(recolourPairsRow); }
+RecolourLuma* recolourLumaKernel(size_t pixels) {
+  return ZELM_KERNEL_FOR(recolourLumaRow, pixels);
+}
+RecolourPairs* recolourPairsKernel(size_t pairs) {
+  return ZELM_KERNEL_FOR(recolourPairsRow, 2 * pairs);
+}
 
 }  // namespace zelm
 #endif  // HWY_ONCE

@@ -13,11 +13,11 @@ namespace zelm {
 // not depend on chroma.
 using RecolourLuma = void(uint8_t* to, const uint8_t* luma, const uint8_t* pairs,
                           bool uFirst, size_t pixels, const YuvToYuv& weights);
-RecolourLuma* recolourLumaKernel();
+RecolourLuma* recolourLumaKernel(size_t pixels);
 
 using RecolourPairs = void(uint8_t* to, const uint8_t* pairs, bool uFirst, size_t count,
                            const YuvToYuv& weights);
-RecolourPairs* recolourPairsKernel();
+RecolourPairs* recolourPairsKernel(size_t pairs);
 
 }  // namespace zelm
 

@@ -178,7 +178,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-RgbToYuvRows* rgbToYuvKernel() { return ZELM_KERNEL(rgbToYuvRows); }
+RgbToYuvRows* rgbToYuvKernel(size_t pixels) {
+  // Pixels of three bytes are read a little beyond those that are converted.
+  return ZELM_KERNEL_FOR(rgbToYuvRows, pixels - pixels / 8);
+}
 
 }  // namespace zelm
 #endif  // HWY_ONCE

@@ -27,7 +27,7 @@ inline ChannelWeights withPairsSwapped(ChannelWeights weights) {
 using RgbToYuvRows = void(uint8_t* const (&luma)[2], uint8_t* pairs,
                           const uint8_t* const (&from)[2], size_t pixelBytes,
                           size_t pixels, const ChannelWeights& weights);
-RgbToYuvRows* rgbToYuvKernel();
+RgbToYuvRows* rgbToYuvKernel(size_t pixels);
 
 }  // namespace zelm
 

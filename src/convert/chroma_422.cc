@@ -70,8 +70,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-ExpandRow* expandRowKernel(bool swap) {
-  return swap ? ZELM_KERNEL(expandRowSwapped) : ZELM_KERNEL(expandRowKept);
+ExpandRow* expandRowKernel(bool swap, size_t bytes) {
+  return swap ? ZELM_KERNEL_FOR(expandRowSwapped, bytes)
+              : ZELM_KERNEL_FOR(expandRowKept, bytes);
 }
 
 static void expandFrame(const ImageStruct& dst, const ImageStruct& src, bool swap) {
@@ -82,7 +83,7 @@ static void expandFrame(const ImageStruct& dst, const ImageStruct& src, bool swa
   const Region chroma = chromaRegion(src);
   Region to = lumaTo;
   to.origin += dst.uvOffset;
-  ExpandRow* const expand = expandRowKernel(swap);
+  ExpandRow* const expand = expandRowKernel(swap, 2 * chroma.columns);
   const bool stream = worthStreaming(7 * luma.rows * luma.columns / 2);
   for (size_t k = 0; k < chroma.rows; ++k) {
     const uint8_t* row = chroma.row(k);

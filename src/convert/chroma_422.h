@@ -13,8 +13,9 @@ namespace zelm {
 using ExpandRow = void(uint8_t* even, uint8_t* odd, const uint8_t* row,
                        const uint8_t* next, size_t bytes, bool stream);
 
-// Returns the kernel that keeps the order of the bytes of a pair, or exchanges them.
-ExpandRow* expandRowKernel(bool swap);
+// Returns the kernel for rows of so many bytes that keeps the order of the bytes of a
+// pair, or exchanges them.
+ExpandRow* expandRowKernel(bool swap, size_t bytes);
 
 }  // namespace zelm
 

@@ -17,9 +17,10 @@ using SplitPairsRow = void(uint8_t* first, uint8_t* second, const uint8_t* from,
 // Exchanges the bytes of each pair. The rows do not overlap, and `bytes` is even.
 using SwapPairsRow = void(uint8_t* to, const uint8_t* from, size_t bytes);
 
-JoinPairsRow* joinPairsKernel();
-SplitPairsRow* splitPairsKernel();
-SwapPairsRow* swapPairsKernel();
+// Return the kernel for rows of so many pairs, or bytes.
+JoinPairsRow* joinPairsKernel(size_t pairs);
+SplitPairsRow* splitPairsKernel(size_t pairs);
+SwapPairsRow* swapPairsKernel(size_t bytes);
 
 }  // namespace zelm
 

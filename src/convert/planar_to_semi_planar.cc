@@ -50,7 +50,9 @@ void joinPairsRow(uint8_t* to, const uint8_t* first, const uint8_t* second,
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-zelm::JoinPairsRow* zelm::joinPairsKernel() { return ZELM_KERNEL(joinPairsRow); }
+zelm::JoinPairsRow* zelm::joinPairsKernel(size_t pairs) {
+  return ZELM_KERNEL_FOR(joinPairsRow, pairs);
+}
 
 extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
@@ -58,8 +60,8 @@ extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   copyBytes(dst->data, src->data, luma);
   const uint8_t* first = src->data + src->uvOffset;
   const bool stream = worthStreaming(3 * luma);
-  joinPairsKernel()(dst->data + dst->uvOffset, first, first + luma / 4, luma / 4,
-                    stream);
+  joinPairsKernel(luma / 4)(dst->data + dst->uvOffset, first, first + luma / 4,
+                            luma / 4, stream);
   if (stream) finishStreaming();
 }
 #endif  // HWY_ONCE

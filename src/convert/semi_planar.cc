@@ -71,14 +71,18 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-SplitPairsRow* splitPairsKernel() { return ZELM_KERNEL(splitPairsRow); }
-SwapPairsRow* swapPairsKernel() { return ZELM_KERNEL(swapPairsRow); }
+SplitPairsRow* splitPairsKernel(size_t pairs) {
+  return ZELM_KERNEL_FOR(splitPairsRow, pairs);
+}
+SwapPairsRow* swapPairsKernel(size_t bytes) {
+  return ZELM_KERNEL_FOR(swapPairsRow, bytes);
+}
 
 static size_t roundUpTo16(size_t value) { return (value + 15) / 16 * 16; }
 
 static void swapPlane(const Region& to, const Region& from) {
-  SwapPairsRow* const swapRow = swapPairsKernel();
   const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
+  SwapPairsRow* const swapRow = swapPairsKernel(span.bytes);
   for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
 }
 
@@ -90,7 +94,7 @@ static void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   const size_t chromaStride = roundUpTo16(lumaStride / 2);
   copyBytes(dst.data, src.data, static_cast<size_t>(src.height) * src.width);
 
-  SplitPairsRow* const splitRow = splitPairsKernel();
+  SplitPairsRow* const splitRow = splitPairsKernel(pairs);
   uint8_t* first = dst.data + height * lumaStride;
   uint8_t* second = first + height * chromaStride / 2;
   const uint8_t* from = src.data + src.uvOffset;

@@ -58,14 +58,14 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-AverageRow* averageKernel(size_t factor, size_t sample) {
-  return ZELM_KERNEL(kernelOf)(factor, sample);
+AverageRow* averageKernel(size_t factor, size_t sample, size_t bytes) {
+  return ZELM_KERNEL_FOR(kernelOf, bytes)(factor, sample);
 }
 
 // The destination region sets the size of the work.
 static void averagePlane(const Region& to, const Region& from, size_t factor,
                          size_t sample) {
-  AverageRow* const average = averageKernel(factor, sample);
+  AverageRow* const average = averageKernel(factor, sample, to.columns * sample);
   for (size_t y = 0; y < to.rows; ++y) {
     const uint8_t* next = y + 1 < to.rows ? from.row(factor * (y + 1)) : nullptr;
     average(to.row(y), from.row(factor * y), from.stride, to.columns * sample, next);

@@ -13,8 +13,9 @@ namespace zelm {
 using AverageRow = void(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
                         size_t bytes, const uint8_t* next);
 
-// Returns the kernel for a factor of 2 or 4 and samples of 1 to 4 bytes.
-AverageRow* averageKernel(size_t factor, size_t sample);
+// Returns the kernel for a factor of 2 or 4, samples of 1 to 4 bytes, and destination
+// rows of so many bytes.
+AverageRow* averageKernel(size_t factor, size_t sample, size_t bytes);
 
 }  // namespace zelm
 

@@ -92,7 +92,7 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-zelm::ScalePart* zelm::nearestKernel(size_t sample) {
-  return ZELM_KERNEL(kernelOf)(sample);
+zelm::ScalePart* zelm::nearestKernel(size_t sample, size_t bytes) {
+  return ZELM_KERNEL_FOR(kernelOf, bytes)(sample);
 }
 #endif  // HWY_ONCE

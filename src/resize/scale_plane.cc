@@ -5,7 +5,7 @@
 
 namespace zelm {
 
-using KernelOf = ScalePart*(size_t sample);
+using KernelOf = ScalePart*(size_t sample, size_t bytes);
 
 // Nothing is made out of nothing, and equal extents are a copy.
 static void scalePlane(KernelOf kernelOf, const Region& to, const Region& from,
@@ -14,7 +14,8 @@ static void scalePlane(KernelOf kernelOf, const Region& to, const Region& from,
   if (to.columns == from.columns && to.rows == from.rows) {
     copyRows(to, from, to.rows, to.columns * sample);
   } else {
-    kernelOf(sample)(to, from, {0, 0, to.columns, to.rows});
+    const size_t columns = to.columns < from.columns ? to.columns : from.columns;
+    kernelOf(sample, columns * sample)(to, from, {0, 0, to.columns, to.rows});
   }
 }
 

@@ -25,10 +25,11 @@ struct PlanePart {
 // outside of the row.
 using ScalePart = void(const Region& to, const Region& from, const PlanePart& part);
 
-// Return the kernel for samples of 1 to 4 bytes.
-ScalePart* nearestKernel(size_t sample);
-ScalePart* bilinearKernel(size_t sample);
-ScalePart* bicubicKernel(size_t sample);
+// Return the kernel for samples of 1 to 4 bytes, and rows of so many bytes: the shorter
+// ones of the source's and of those that are made.
+ScalePart* nearestKernel(size_t sample, size_t bytes);
+ScalePart* bilinearKernel(size_t sample, size_t bytes);
+ScalePart* bicubicKernel(size_t sample, size_t bytes);
 
 }  // namespace zelm
 

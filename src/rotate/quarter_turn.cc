@@ -155,23 +155,23 @@ Transpose* kernelOf(size_t sample) {
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-zelm::Transpose* zelm::transposeKernel(size_t sample) {
-  return ZELM_KERNEL(kernelOf)(sample);
+zelm::Transpose* zelm::transposeKernel(size_t sample, size_t columns) {
+  return ZELM_KERNEL_FOR(kernelOf, columns * sample)(sample);
 }
 
 extern "C" void rotate90_Y(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const Region from = lumaRegion(*src), to = lumaRegion(*dst);
   if (from.empty()) return;
-  transposeKernel(1)(to.origin, to.stride, from.row(from.rows - 1), -from.stride,
-                     from.rows, from.columns);
+  transposeKernel(1, from.rows)(to.origin, to.stride, from.row(from.rows - 1),
+                                -from.stride, from.rows, from.columns);
 }
 
 extern "C" void rotate270_Y(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const Region from = lumaRegion(*src), to = lumaRegion(*dst);
   if (from.empty()) return;
-  transposeKernel(1)(to.row(from.columns - 1), -to.stride, from.origin, from.stride,
-                     from.rows, from.columns);
+  transposeKernel(1, from.rows)(to.row(from.columns - 1), -to.stride, from.origin,
+                                from.stride, from.rows, from.columns);
 }
 #endif  // HWY_ONCE

@@ -16,8 +16,9 @@ using Transpose = void(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
 // Makes the samples of a row in reverse order.
 using ReverseRow = void(uint8_t* to, const uint8_t* from, size_t samples);
 
-// Return the kernel for samples of 1 to 4 bytes.
-Transpose* transposeKernel(size_t sample);
+// Return the kernel for samples of 1 to 4 bytes, and destination rows of so many of
+// them.
+Transpose* transposeKernel(size_t sample, size_t columns);
 ReverseRow* reverseKernel(size_t sample);
 
 }  // namespace zelm
