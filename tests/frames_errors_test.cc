@@ -139,12 +139,12 @@ const Mistake kMistakes[] = {
        r->edit.source = {2, 2, 0, 4};
      },
      ZELM_BAD_REGION,
-     {"no columns"}},
+     {"0 columns"}},
     {[](Request* r) {
        r->edit.source = {2, 2, 4, 0};
      },
      ZELM_BAD_REGION,
-     {"no rows"}},
+     {"0 rows"}},
     {[](Request* r) {
        r->edit.destination = {4, 4, 0, 0};
      },
