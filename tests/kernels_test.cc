@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "comparison.h"
 #include "convert/chroma_422.h"
 #include "convert/pairs.h"
+#include "convert/yuv_to_rgb.h"
 #include "reference.h"
 #include "resize/axis.h"
 #include "resize/box_average.h"
@@ -291,6 +293,114 @@ TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
         expect(odd, "odd", [&](size_t i) {
           return (source[i ^ flip] + source[bytes + (i ^ flip)]) / 2;
         });
+      }
+    }
+  }
+}
+
+// ------------------------------------------------------------------------- colour
+
+// The weights as the descriptions define them.
+YuvToRgb describe(double kr, double kb, bool limited) {
+  const double kg = 1 - kr - kb;
+  const double luma = limited ? 255.0 / 219 : 1, chroma = limited ? 255.0 / 224 : 1;
+  const auto weight = [](double value) {
+    return static_cast<int>(std::lround(16384 * value));
+  };
+  YuvToRgb c = {};
+  c.offset = limited ? 16 : 0;
+  c.y = weight(luma);
+  c.rv = weight(chroma * 2 * (1 - kr));
+  c.gu = weight(chroma * 2 * (1 - kb) * kb / kg);
+  c.gv = weight(chroma * 2 * (1 - kr) * kr / kg);
+  c.bu = weight(chroma * 2 * (1 - kb));
+  if (c.bu > 32767) c.bu = 2 * weight(chroma * (1 - kb));
+  c.bt601Full = !limited && kr == 0.299;
+  return c;
+}
+
+int limitedTo8Bits(int64_t value) {
+  return static_cast<int>(std::clamp<int64_t>(value >> 16, 0, 255));
+}
+
+struct Rgb {
+  int r, g, b;
+};
+
+// One pixel by the rule.
+Rgb rgbOf(const YuvToRgb& c, const uint8_t* luma, const ChromaRows& rows, size_t x,
+          size_t pixels) {
+  const size_t pair = x / 2, last = (pixels + 1) / 2 - 1;
+  const size_t next = x % 2 == 1 && pair > 0 && pair < last ? pair + 1 : pair;
+  const auto difference = [&](bool u) {
+    const size_t byte = u == rows.uFirst ? 0 : 1;
+    const uint8_t* also = (byte == 0) == rows.loneFirst ? rows.own : rows.other;
+    return rows.own[2 * pair + byte] + rows.own[2 * next + byte] +
+           also[2 * pair + byte] + also[2 * next + byte] - 512;
+  };
+  const int64_t u = difference(true), v = difference(false);
+  const int64_t y = 4LL * c.y * (luma[x] - c.offset) + 32768;
+  return {limitedTo8Bits(y + c.rv * v), limitedTo8Bits(y - c.gu * u - c.gv * v),
+          limitedTo8Bits(y + c.bu * u)};
+}
+
+size_t bytesOf(RgbLayout layout) {
+  if (layout == RgbLayout::kRgba || layout == RgbLayout::kBgra) return 4;
+  return layout == RgbLayout::kRgb24 || layout == RgbLayout::kBgr24 ? 3 : 2;
+}
+
+// The bytes of a pixel, the first one lowest.
+uint32_t pixelOf(RgbLayout layout, const Rgb& c) {
+  const auto bits = [](int value) { return static_cast<uint32_t>(value); };
+  const bool blueFirst = layout == RgbLayout::kBgr24 || layout == RgbLayout::kBgra ||
+                         layout == RgbLayout::kBgr565;
+  const uint32_t first = bits(blueFirst ? c.b : c.r),
+                 third = bits(blueFirst ? c.r : c.b);
+  if (bytesOf(layout) == 2) return first >> 3 << 11 | bits(c.g) >> 2 << 5 | third >> 3;
+  const uint32_t alpha = bytesOf(layout) == 4 ? 0xFF000000 : 0;
+  return first | bits(c.g) << 8 | third << 16 | alpha;
+}
+
+TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
+  Random random(13);
+  Noise lumaNoise, ownNoise, otherNoise, toNoise;
+  const double matrices[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};
+  for (int description = 0; description < 6; ++description) {
+    const double* k = matrices[description / 2];
+    const YuvToRgb colour = describe(k[0], k[1], description % 2 == 1);
+    for (int layout = 0; layout < 6; ++layout) {
+      const RgbLayout format = static_cast<RgbLayout>(layout);
+      const size_t pixelBytes = bytesOf(format);
+      for (const size_t pixels : {1, 2, 3, 4, 33, 34, 35, 66, 67, 130, 131, 200}) {
+        for (int order = 0; order < 8; ++order) {
+          const Guard guard = order % 2 == 0 ? Guard::kBehind : Guard::kBefore;
+          const size_t chromaBytes = (pixels + 1) / 2 * 2;
+          uint8_t* luma = lumaNoise.place(pixels, guard, &random);
+          uint8_t* own = ownNoise.place(chromaBytes, guard, &random);
+          uint8_t* other = otherNoise.place(chromaBytes, guard, &random);
+          // Every other time all bytes are the lowest and the highest ones there are.
+          if (order >= 4) {
+            for (size_t i = 0; i < pixels; ++i) luma[i] = luma[i] < 128 ? 0 : 255;
+            for (size_t i = 0; i < chromaBytes; ++i) {
+              own[i] = own[i] < 128 ? 0 : 255;
+              other[i] = own[i];
+            }
+          }
+          uint8_t* made = toNoise.place(pixels * pixelBytes, guard, &random);
+          const ChromaRows chroma = {own, pixels % 3 == 0 ? own : other,
+                                     order / 2 % 2 == 0, random.below(2) == 0};
+          rgbRowKernel(format)(made, luma, chroma, pixels, colour);
+          for (size_t x = 0; x < pixels; ++x) {
+            uint32_t pixel = 0;
+            for (size_t i = 0; i < pixelBytes; ++i) {
+              pixel |= static_cast<uint32_t>(made[x * pixelBytes + i]) << (8 * i);
+            }
+            ASSERT_EQ(pixel, pixelOf(format, rgbOf(colour, luma, chroma, x, pixels)))
+                << std::hex << "description " << description << ", layout " << layout
+                << std::dec << ", pixel " << x << " of " << pixels << ", order "
+                << order;
+          }
+        }
       }
     }
   }

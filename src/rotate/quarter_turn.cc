@@ -20,8 +20,8 @@ namespace {
 template <size_t kSample>
 HWY_INLINE void transposePart(uint8_t* to, ptrdiff_t toStride, const uint8_t* from,
                               ptrdiff_t fromStride, size_t columns, size_t rows) {
-  for (size_t y = 0; y < rows; ++y) {
-    for (size_t x = 0; x < columns; ++x) {
+  for (size_t x = 0; x < columns; ++x) {
+    for (size_t y = 0; y < rows; ++y) {
       std::memcpy(to + static_cast<ptrdiff_t>(y) * toStride + x * kSample,
                   from + static_cast<ptrdiff_t>(x) * fromStride + y * kSample, kSample);
     }

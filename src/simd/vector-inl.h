@@ -21,6 +21,7 @@
 //   loadPairs           deinterleaves kBytes pairs: first bytes, second bytes
 //   storeBlocksInTurn   block 0 of a, b and c, then block 1 of them, ... (x86)
 //   subtractWhereLess   v, less `amount` in the lanes where a < b (x86)
+//   upperHalves         the upper halves of 32-bit lanes, a's below b's (x86)
 //
 // pickBeside needs `others` to be 0 wherever the index is not 128.
 #if defined(ZELM_SRC_SIMD_VECTOR_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -82,12 +83,6 @@ HWY_INLINE Vec<I16> alternate(int even, int odd) {
   const uint32_t pair =
       static_cast<uint32_t>(even & 0xFFFF) | static_cast<uint32_t>(odd) << 16;
   return hn::BitCast(i16, hn::Set(u32, pair));
-}
-
-// Takes the upper halves of 32-bit lanes. In each lane a's lies below b's.
-HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
-  const Vec<I32> moved = hn::BitCast(i32, hn::ShiftRight<16>(hn::BitCast(u32, a)));
-  return hn::OddEven(asI16(b), asI16(moved));
 }
 
 #endif  // ZELM_VECTORS

@@ -92,7 +92,19 @@ HWY_INLINE Vec<I16> subtractWhereLess(Vec<I16> v, Vec<I16> a, Vec<I16> b,
   return Vec<I16>{_mm512_mask_sub_epi16(v.raw, hn::Lt(a, b).raw, v.raw, amount.raw)};
 }
 
+// One shuffle moves a's halves and leaves b's where they are.
+HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
+  const __m512i down =
+      _mm512_set4_epi32(0x00000F0E, 0x00000B0A, 0x00000706, 0x00000302);
+  return Vec<I16>{_mm512_mask_shuffle_epi8(b.raw, 0x3333333333333333, a.raw, down)};
+}
+
 #else
+
+HWY_INLINE Vec<I16> upperHalves(Vec<I32> a, Vec<I32> b) {
+  const auto moved = hn::ShiftRight<16>(hn::BitCast(u32, a));
+  return hn::OddEven(hn::BitCast(i16, b), hn::BitCast(i16, moved));
+}
 
 HWY_INLINE Vec<I16> subtractWhereLess(Vec<I16> v, Vec<I16> a, Vec<I16> b,
                                       Vec<I16> amount) {

@@ -1,6 +1,7 @@
-// Semi-planar 4:2:0 to packed RGB on x86. Included by yuv420sp_to_rgb.cc, which says
+// YUV to packed RGB on x86. Included by yuv_to_rgb.cc, which says
 // what is computed, in each of its passes.
-#include "convert/yuv420sp_to_rgb.h"
+#include "convert/pixel_formats.h"
+#include "convert/yuv_to_rgb.h"
 #include "simd/vector-inl.h"
 
 #if ZELM_X86
@@ -10,24 +11,107 @@ namespace zelm::HWY_NAMESPACE {
 namespace {
 
 // kBytes pixels: G in order, R and B as pairs of the left and of the right pixels.
-//   rbLeft    R0 B0 R2 B2 R4 B4 ...
+//   rbLeft    R0 B0 R2 B2 R4 B4 ...      or B before R, where blue comes first
 //   rbRight   R1 B1 R3 B3 R5 B5 ...
 //   g         G0 G1 G2 G3 G4 G5 ...
 struct RgbBytes {
   Vec<U8> rbLeft, rbRight, g;
 };
 
+// The same as 16-bit lanes that are not clamped yet, for half as many pixels.
+struct Channels {
+  Vec<I16> rbLeft, rbRight, g;
+};
+
+// Makes weights for lanes that hold pairs in their order.
+HWY_INLINE Vec<I16> pairWeights(bool uFirst, int u, int v) {
+  return uFirst ? alternate(u, v) : alternate(v, u);
+}
+
+// The weights of a description of colour, and what they make of half a vector of
+// pixels. `halfLeft` and `right` are the differences u and v of left and right pixels,
+// those of left ones halved, in the order of pairs; y is luma, yLeft and yRight that of
+// left and right pixels, twice:
+//   right    u1 v1 u3 v3 ...      y   Y0 Y1 Y2 Y3 ...      yRight   Y1 Y1 Y3 Y3 ...
+template <bool kIsBt601Full>
+class Weights;
+
+// R and B are products of 16 bits, which stand in the order of pairs.
+template <>
+class Weights<true> {
+ public:
+  HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
+      : rb_(pairWeights(chroma.uFirst, colour.bu / 2, colour.rv / 2)),
+        g_(pairWeights(chroma.uFirst, -colour.gu, -colour.gv)) {}
+
+  static HWY_INLINE bool firstIsBlue(const ChromaRows& chroma) { return chroma.uFirst; }
+
+  HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y,
+                               Vec<I16> yLeft, Vec<I16> yRight) const {
+    const Vec<I16> rb2 = hn::Add(rb_, rb_), g2 = hn::Add(g_, g_);
+    const Vec<I32> half = hn::Set(i32, 1 << 15);
+    return {hn::Add(yLeft, hn::MulFixedPoint15(halfLeft, rb2)),
+            hn::Add(yRight, hn::MulFixedPoint15(right, rb_)),
+            hn::Add(y, upperHalves(addPairProducts(half, halfLeft, g2),
+                                   addPairProducts(half, right, g_)))};
+  }
+
+ private:
+  Vec<I16> rb_, g_;
+};
+
+// All channels are sums of 32 bits. A weight of B that is no int16 is halved, and its
+// difference doubled.
+template <>
+class Weights<false> {
+ public:
+  HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
+      : Weights(colour, chroma.uFirst, colour.bu > INT16_MAX ? 2 : 1) {}
+
+  static HWY_INLINE bool firstIsBlue(const ChromaRows&) { return false; }
+
+  HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y, Vec<I16>,
+                               Vec<I16>) const {
+    // A lane of 32 bits holds the luma of a left and a right pixel.
+    const Vec<I16> y4 = hn::ShiftLeft<2>(y);
+    const Vec<I32> left0 = addPairProducts(black_, y4, yLeft_);
+    const Vec<I32> right0 = addPairProducts(black_, y4, yRight_);
+    const Vec<I16> leftRb = hn::Mul(halfLeft, hn::Add(factors_, factors_));
+    const Vec<I16> rightRb = hn::Mul(right, factors_);
+    return {upperHalves(addPairProducts(left0, leftRb, r_),
+                        addPairProducts(left0, leftRb, b_)),
+            upperHalves(addPairProducts(right0, rightRb, r_),
+                        addPairProducts(right0, rightRb, b_)),
+            upperHalves(addPairProducts(left0, halfLeft, hn::Add(g_, g_)),
+                        addPairProducts(right0, right, g_))};
+  }
+
+ private:
+  HWY_INLINE Weights(const YuvToRgb& colour, bool uFirst, int blueFactor)
+      : yLeft_(alternate(colour.y, 0)),
+        yRight_(alternate(0, colour.y)),
+        r_(pairWeights(uFirst, 0, colour.rv)),
+        g_(pairWeights(uFirst, -colour.gu, -colour.gv)),
+        b_(pairWeights(uFirst, colour.bu / blueFactor, 0)),
+        factors_(pairWeights(uFirst, blueFactor, 1)),
+        black_(hn::Set(i32, (1 << 15) - 4 * colour.y * colour.offset)) {}
+
+  Vec<I16> yLeft_, yRight_, r_, g_, b_, factors_;
+  Vec<I32> black_;
+};
+
 // Computes in 16-bit lanes that hold the first and the second chroma byte in turn, so
 // that a 32-bit lane holds a pair. With S = the sum of two rows, left pixels see
-// 2 S - 512 and right ones S + S[next] - 512; the factor 2 is left to the coefficients.
+// 2 S - 512 and right ones S + S[next] - 512; the factor 2 is left to the weights.
+template <class Weights>
 class RgbKernel {
  public:
-  HWY_INLINE explicit RgbKernel(const ChromaRows& chroma)
+  HWY_INLINE RgbKernel(const ChromaRows& chroma, const Weights& weights, bool blueFirst)
       : chroma_(chroma),
-        rowWeights_(
-            hn::BitCast(i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))),
-        rb_(chroma.uFirst ? alternate(14516, 11485) : alternate(11485, 14516)),
-        g_(chroma.uFirst ? alternate(-5638, -11700) : alternate(-11700, -5638)) {}
+        weights_(weights),
+        swapsRb_(weights.firstIsBlue(chroma) != blueFirst),
+        rowWeights_(hn::BitCast(
+            i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))) {}
 
   // Converts kBytes pixels, and reads one pair further.
   HWY_INLINE RgbBytes pixels(const uint8_t* luma, size_t at) const {
@@ -46,7 +130,7 @@ class RgbKernel {
     RgbBytes bytes = {packInBlocks(lower.rbLeft, upper.rbLeft),
                       packInBlocks(lower.rbRight, upper.rbRight),
                       packInBlocks(lower.g, upper.g)};
-    if (chroma_.uFirst) {
+    if (swapsRb_) {
       bytes.rbLeft = swapPairs(bytes.rbLeft);
       bytes.rbRight = swapPairs(bytes.rbRight);
     }
@@ -54,10 +138,6 @@ class RgbKernel {
   }
 
  private:
-  struct Channels {
-    Vec<I16> rbLeft, rbRight, g;
-  };
-
   // Spreads bytes kFirst, kFirst + 2, ... to two 16-bit lanes each:
   //   y0 y1 y2 y3 ...   gives   y0 0  y0 0  y2 0  y2 0 ...
   template <uint8_t kFirst>
@@ -73,20 +153,16 @@ class RgbKernel {
   HWY_INLINE Channels channels(Vec<U8> rows, Vec<U8> nextRows, Vec<I16> y,
                                Vec<I16> yLeft, Vec<I16> yRight) const {
     const Vec<I16> middle = hn::Set(i16, 256);
-    const Vec<I16> left = hn::Sub(pairProducts8(rows, rowWeights_), middle);
+    const Vec<I16> halfLeft = hn::Sub(pairProducts8(rows, rowWeights_), middle);
     const Vec<I16> right =
-        hn::Add(hn::Sub(left, middle), pairProducts8(nextRows, rowWeights_));
-    const Vec<I16> rb2 = hn::Add(rb_, rb_), g2 = hn::Add(g_, g_);
-    const Vec<I32> half = hn::Set(i32, 1 << 15);
-    return {hn::Add(yLeft, hn::MulFixedPoint15(left, rb2)),
-            hn::Add(yRight, hn::MulFixedPoint15(right, rb_)),
-            hn::Add(y, upperHalves(addPairProducts(half, left, g2),
-                                   addPairProducts(half, right, g_)))};
+        hn::Add(hn::Sub(halfLeft, middle), pairProducts8(nextRows, rowWeights_));
+    return weights_.channels(halfLeft, right, y, yLeft, yRight);
   }
 
   const ChromaRows& chroma_;
+  const Weights weights_;
+  bool swapsRb_;
   Vec<I8> rowWeights_;
-  Vec<I16> rb_, g_;  // coefficients of right pixels
 };
 
 // RGB565 of pixels whose R and B lie side by side in one vector, and G in the upper
@@ -152,19 +228,27 @@ HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
-#include "convert/yuv420sp_to_rgb_vbmi-inl.h"
+#include "convert/yuv_to_rgb_vbmi-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
-template <class Format>
+template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
-                                const ChromaRows& chroma, size_t pairs) {
-  const RgbKernel kernel(chroma);
-  return inBlocks(pairs, kBytes / 2, [&](size_t j) HWY_ATTR {
-    storePixels(Format(), to + 2 * j * Format::kPixelBytes, kernel.pixels(luma, 2 * j));
-  });
+                                const ChromaRows& chroma, size_t pairs,
+                                const YuvToRgb& colour, bool blueFirst) {
+  const Weights<kIsBt601Full> weights(colour, chroma);
+  const RgbKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
+  constexpr size_t kPairs = kBytes / 2;
+  if (pairs < kPairs) return 0;
+  // Unlike inBlocks, this calls the kernel in one place, and so the compiler inlines
+  // it.
+  for (size_t j = 0; j < pairs; j += kPairs) {
+    const size_t at = 2 * (j < pairs - kPairs ? j : pairs - kPairs);
+    storePixels(Format(), to + at * Format::kPixelBytes, kernel.pixels(luma, at));
+  }
+  return pairs;
 }
 
 }  // namespace

@@ -1,21 +1,13 @@
-// Semi-planar 4:2:0 to packed RGB: what a row is made of, and the formats of pixels.
-#ifndef ZELM_SRC_CONVERT_YUV420SP_TO_RGB_H_
-#define ZELM_SRC_CONVERT_YUV420SP_TO_RGB_H_
+// The formats of pixels that rows of RGB are written in. Their first channel is red, or
+// blue where a layout has blue first.
+#ifndef ZELM_SRC_CONVERT_PIXEL_FORMATS_H_
+#define ZELM_SRC_CONVERT_PIXEL_FORMATS_H_
 
 #include <cstddef>
 #include <cstdint>
 
 namespace zelm {
 namespace {
-
-// The chroma of one luma row. One byte of each pair, the lone one, is taken from the
-// row itself; the other byte is averaged with that of the `other` row.
-struct ChromaRows {
-  const uint8_t* own;
-  const uint8_t* other;
-  bool uFirst;     // pairs are U, V
-  bool loneFirst;  // the lone byte is the first one
-};
 
 struct Rgba8888 {
   static constexpr size_t kPixelBytes = 4;
@@ -36,7 +28,7 @@ struct Rgb888 {
   }
 };
 
-// Red lies in the low bits.
+// The first channel lies in the low bits.
 struct Rgb565 {
   static constexpr size_t kPixelBytes = 2;
   static inline void put(uint8_t* to, uint8_t r, uint8_t g, uint8_t b) {
@@ -49,4 +41,4 @@ struct Rgb565 {
 }  // namespace
 }  // namespace zelm
 
-#endif  // ZELM_SRC_CONVERT_YUV420SP_TO_RGB_H_
+#endif  // ZELM_SRC_CONVERT_PIXEL_FORMATS_H_

@@ -1,5 +1,5 @@
-// Semi-planar 4:2:0 to packed RGB: how pixels are put together and stored with VBMI.
-// Included by yuv420sp_to_rgb_x86-inl.h.
+// YUV to packed RGB: how pixels are put together and stored with VBMI.
+// Included by yuv_to_rgb_x86-inl.h.
 #if ZELM_VBMI
 
 HWY_BEFORE_NAMESPACE();
