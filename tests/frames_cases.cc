@@ -54,28 +54,33 @@ Layout layOut(uint32_t format, uint32_t width, uint32_t height, uint32_t colour,
               const Style& style) {
   const Format& kind = formatOf(format);
   const Chroma chroma = kind.separate ? style.chroma : kApart;
-  const bool shared = chroma > kApartStep2;
-  const int step = chroma == kApart || chroma == kSideBySide ? 1 : 2;
+  const bool pairs = chroma >= kPairsUV && chroma <= kAlmostPairs;
+  const bool shared = pairs || chroma == kSideBySide;
   Layout l = {};
   l.frame = {format, width, height, colour, {kNoPlane, kNoPlane, kNoPlane}};
   l.blocks = shared ? 2 : kind.planes;
   for (int p = 0; p < kind.planes; ++p) {
     const bool isChroma = p > 0 && kind.separate;
-    const Extent e = extentOf(format, width, height, p, isChroma ? step : 0);
+    const bool stepped =
+        pairs || chroma == kApartStep2 || (chroma == kMixedSteps && p == 1);
+    const int step = isChroma && stepped ? 2 : isChroma ? 1 : 0;
+    const Extent e = extentOf(format, width, height, p, step);
     const size_t both = 2 * ((width + 1) / 2);
     const size_t rowBytes = isChroma && shared ? both : e.rowBytes;
-    const size_t stride = rowBytes + style.padding;
+    const bool sparse = chroma == kAlmostPairs && p == 2;
+    const size_t stride = (rowBytes + style.padding) * (sparse ? 2 : 1);
     // The planes that share a block begin at its first byte and a little later.
     const bool uLater = (chroma == kPairsVU) != (format == ZELM_YV12);
-    const bool later = chroma == kSideBySide ? p == 2 : shared && (p == 1) == uLater;
+    const bool ordered = chroma == kSideBySide || chroma == kAlmostPairs;
+    const bool later = ordered ? p == 2 : shared && (p == 1) == uLater;
     const size_t first = !isChroma || !later ? 0 : chroma == kSideBySide ? both / 2 : 1;
     const int block = shared && p == 2 ? 1 : p;
     l.bytes[block] = (e.rows - 1) * stride + rowBytes;
-    l.rows[block] = stride;
-    l.places[p] = {block, first + (style.bottomUp ? (e.rows - 1) * stride : 0)};
+    l.rows[block] = rowBytes + style.padding;
+    const bool bottomUp = (style.bottomUp >> p & 1) != 0;
+    l.places[p] = {block, first + (bottomUp ? (e.rows - 1) * stride : 0)};
     const ptrdiff_t down = static_cast<ptrdiff_t>(stride);
-    l.frame.planes[p] = {nullptr, style.bottomUp ? -down : down,
-                         isChroma && step == 2 ? 2 : 0,
+    l.frame.planes[p] = {nullptr, bottomUp ? -down : down, step == 2 ? 2 : 0,
                          style.sizes ? (e.rows - 1) * stride + e.rowBytes : 0};
   }
   return l;
@@ -104,7 +109,7 @@ Case anyCase(const std::function<int(int)>& below) {
   const auto style = [&below] {
     Style s;
     if (below(2) == 0) s.padding = static_cast<size_t>(below(70));
-    s.bottomUp = below(4) == 0;
+    if (below(4) == 0) s.bottomUp = below(2) == 0 ? 7 : static_cast<unsigned>(below(8));
     s.chroma = static_cast<Chroma>(below(kChromas));
     s.sizes = below(2) == 0;
     return s;

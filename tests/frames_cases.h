@@ -11,17 +11,20 @@ namespace frames_test {
 
 // Where the chroma planes of planar formats lie. Other formats have only kApart.
 enum Chroma {
-  kApart,       // each plane in memory of its own
-  kApartStep2,  // the same, with a byte of nobody behind every sample but the last
-  kPairsUV,     // a step of 2, U first, V one byte behind it
-  kPairsVU,     // a step of 2, V first, U one byte behind it
-  kSideBySide,  // a row of the third plane behind each row of the second
+  kApart,        // each plane in memory of its own
+  kApartStep2,   // the same, with a byte of nobody behind every sample but the last
+  kMixedSteps,   // the same, with steps of 2 and 1
+  kSideBySide,   // a row of the third plane behind each row of the second
+  kPairsUV,      // a step of 2, U first, V one byte behind it
+  kPairsVU,      // a step of 2, V first, U one byte behind it
+  kAlmostPairs,  // a step of 2, the third plane one byte behind the second, but with
+                 // rows that are twice as far apart
   kChromas
 };
 
 struct Style {
-  size_t padding = 0;  // bytes between two rows
-  bool bottomUp = false;
+  size_t padding = 0;     // bytes between two rows
+  unsigned bottomUp = 0;  // bit p: plane p is stored bottom-up
   Chroma chroma = kApart;
   bool sizes = true;  // whether the planes say how large they are
 };

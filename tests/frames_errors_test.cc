@@ -89,9 +89,9 @@ const Mistake kPlaneMistakes[] = {
      },
      ZELM_OVERLAP,
      {"V"}},
-    // The last row of what is stored bottom-up is the one at the lowest address.
+    // The top row of what is stored bottom-up is behind the source, the others are not.
     {[](Request* r) {
-       r->dst.frame.planes[0].data = r->src.frame.planes[0].data + 47 * 64 + 1536;
+       r->dst.frame.planes[0].data = r->src.frame.planes[2].data + 768;
        r->dst.frame.planes[0].stride = -64;
      },
      ZELM_OVERLAP,
@@ -139,12 +139,12 @@ const Mistake kMistakes[] = {
        r->edit.source = {2, 2, 0, 4};
      },
      ZELM_BAD_REGION,
-     {"0"}},
+     {"0 columns"}},
     {[](Request* r) {
        r->edit.source = {2, 2, 4, 0};
      },
      ZELM_BAD_REGION,
-     {"0"}},
+     {"0 rows"}},
     {[](Request* r) {
        r->edit.destination = {4, 4, 0, 0};
      },

@@ -62,12 +62,14 @@ TEST_P(FramesFrom, EqualReferenceHoweverPlanesLie) {
   int i = 0;
   for (uint32_t to = 1; to <= kFormats; ++to) {
     for (int styles = 0; styles < kChromas * kChromas * 4; ++styles) {
-      const auto styleOf = [styles](int chroma, bool bottomUp) {
-        return Style{static_cast<size_t>(chroma * 7 + styles % 3), bottomUp,
+      const auto styleOf = [styles](int chroma, int direction) {
+        // All planes downwards or upwards, or in different directions.
+        const unsigned bottomUp[] = {0, 7, 2, 5};
+        return Style{static_cast<size_t>(chroma * 7 + styles % 3), bottomUp[direction],
                      static_cast<Chroma>(chroma), styles % 5 != 0};
       };
-      const Style a = styleOf(styles / 4 % kChromas, styles % 2 == 1);
-      const Style b = styleOf(styles / 4 / kChromas, styles / 2 % 2 == 1);
+      const Style a = styleOf(styles / 4 % kChromas, styles % 4);
+      const Style b = styleOf(styles / 4 / kChromas, (styles + styles / 4) % 4);
       // Formats with nothing to choose are tried once.
       const bool separate = frames_reference::formatOf(GetParam()).separate;
       if (!separate && a.chroma != kApart) continue;
@@ -244,8 +246,8 @@ TEST(FramesPlan, RunsWithOtherPointersAndStrides) {
       return zelmPlanRun(plan.get(), &dst, &src);
     };
     for (uint32_t s = 0; s < kChromas; ++s) {
-      const Style style = {s * 9, s % 2 == 1, static_cast<Chroma>(s), s % 2 == 0};
-      const Style other = {40 - s * 9, s / 2 % 2 == 1,
+      const Style style = {s * 9, s % 2 * 7, static_cast<Chroma>(s), s % 2 == 0};
+      const Style other = {60 - s * 9, s / 2 % 2 * 7,
                            static_cast<Chroma>(kChromas - 1 - s), true};
       ASSERT_TRUE(
           compare({layOut(to, 75, 60, 0, style), layOut(from, 60, 75, 0, other), edit},
