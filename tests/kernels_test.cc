@@ -178,7 +178,7 @@ class Noise {
 TEST(BoxAverages, AreMeansRoundedDown) {
   Random random(11);
   Noise from, to;
-  for (const size_t factor : {2, 4}) {
+  for (size_t factor = 2; factor <= 4; factor += 2) {
     for (size_t sample = 1; sample <= 4; ++sample) {
       for (const size_t samples : {1, 7, 16, 33, 64, 131}) {
         for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
