@@ -80,7 +80,7 @@ Peer toRgba(const PlanJob& job, const View& s, const View& d) {
 // In bands of source columns, which become rows, so that the planes in between stay in
 // the cache.
 Peer turnedToRgba(const PlanJob& job, const View& s, const View& d) {
-  constexpr int kBand = 32;
+  constexpr int kBand = 64;
   const auto* const colour = matrix(job.src.colour);
   const auto memory =
       std::make_shared<Buffer>(static_cast<size_t>(kBand * s.h * 2), Buffer::kBetween);
