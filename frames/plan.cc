@@ -115,13 +115,17 @@ Route routeOf(const ZelmFrame& dst, const Rect& target, const ZelmFrame& src,
                   edit.chromaFilter,
                   turn};
 
-  route.toRgb = yuvToRgb(src.colour);
-  // Without chroma the matrix does not matter.
-  const bool grey = !route.from->hasChroma() || !route.to->hasChroma();
-  const uint32_t to = grey ? withMatrixOf(dst.colour, src.colour) : dst.colour;
-  route.recolours = !route.from->isRgb() && !route.to->isRgb() && src.colour != to;
-  if (route.recolours) route.recolour = yuvToYuv(src.colour, to);
-  if (route.from->isRgb() && !route.to->isRgb()) {
+  // The colour of RGB frames may be any number.
+  const bool fromRgb = route.from->isRgb(), toRgb = route.to->isRgb();
+  if (!fromRgb && toRgb) route.toRgb = yuvToRgb(src.colour);
+  if (!fromRgb && !toRgb) {
+    // Without chroma the matrix does not matter.
+    const bool grey = !route.from->hasChroma() || !route.to->hasChroma();
+    const uint32_t to = grey ? withMatrixOf(dst.colour, src.colour) : dst.colour;
+    route.recolours = src.colour != to;
+    route.recolour = yuvToYuv(src.colour, to);
+  }
+  if (fromRgb && !toRgb) {
     // Words are unpacked to red first; bytes are weighted where they lie.
     const bool red = isWords565(route.from->rgb) || redFirst(route.from->rgb);
     const RgbToYuv weights = rgbToYuv(dst.colour);
