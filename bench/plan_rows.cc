@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
 
@@ -62,7 +64,6 @@ PlanRow conversionRow(const Conversion& c, const Size& size) {
   row.dst = {c.to, size.width, size.height, 0, 0};
   row.edit.turn = c.turn;
   row.edit.mirror = c.mirror;
-  row.threads = 1;
   if (c.turn == 90) std::swap(row.dst.width, row.dst.height);
   if (c.core) {
     row.own = "zelm_imageutil";
@@ -100,7 +101,7 @@ PlanRow threadsRow(const Conversion& c) {
   PlanRow row = conversionRow(c, kSizes[2]);
   row.own = "one thread";
   row.ownTarget = 1.8;
-  row.threads = 2;
+  row.onTwoThreads = true;
   return row;
 }
 
@@ -148,20 +149,64 @@ void fill(const Picture& picture) {
   memcpy(picture.data(), frame.record.data, picture.size());
 }
 
-void runPlan(const ZelmPlan* plan, const PlanJob& job, int threads) {
-  if (threads == 1) {
-    zelmPlanRun(plan, &job.dst, &job.src);
-    return;
+// A second thread that stands by, as those of a program that works on frames do. For a
+// while it looks for work all the time, so that it need not be woken between frames.
+class Helper {
+ public:
+  Helper() : thread_([this] { loop(); }) {}
+  ~Helper() {
+    start(nullptr);
+    thread_.join();
   }
+  Helper(const Helper&) = delete;
+  Helper& operator=(const Helper&) = delete;
+
+  // Does the work on both threads at the same time.
+  void with(const std::function<void()>& work) {
+    start(&work);
+    work();
+    while (finished_ != started_) {
+    }
+  }
+
+ private:
+  void start(const std::function<void()>* work) {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      work_ = work;
+      ++started_;
+    }
+    wake_.notify_one();
+  }
+  void loop() {
+    for (int done = 0;;) {
+      const auto isThereWork = [&] { return started_ != done; };
+      for (int i = 0; i < 1000000 && !isThereWork(); ++i) {
+      }
+      std::unique_lock<std::mutex> lock(mutex_);
+      wake_.wait(lock, isThereWork);
+      done = started_;
+      lock.unlock();
+      if (work_ == nullptr) return;
+      (*work_)();
+      finished_ = done;
+    }
+  }
+
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  const std::function<void()>* work_ = nullptr;
+  std::atomic<int> started_{0}, finished_{0};
+  std::thread thread_;  // last, as it uses the others
+};
+
+void runOnTwoThreads(const ZelmPlan* plan, const PlanJob& job, Helper* helper) {
   std::atomic<int> next(0);
-  const auto work = [&] {
+  helper->with([&] {
     for (int band; (band = next++) < zelmPlanBands(plan);) {
       zelmPlanRunBand(plan, band, &job.dst, &job.src);
     }
-  };
-  std::thread helper(work);
-  work();
-  helper.join();
+  });
 }
 
 double difference(const Picture& dst, const Peer& peer, const uint8_t* ours) {
@@ -206,26 +251,29 @@ Result measure(const PlanRow& row, const Ceilings& ceilings,
   }
   const std::unique_ptr<ZelmPlan, void (*)(ZelmPlan*)> plan(made, zelmPlanDestroy);
 
+  std::unique_ptr<Helper> helper;
   Trial trial = {};
   trial.name = row.name();
-  trial.ours = [&] { runPlan(plan.get(), job, row.threads); };
+  const auto runOnOneThread = [&] { zelmPlanRun(plan.get(), &job.dst, &job.src); };
+  trial.ours = runOnOneThread;
+  if (row.other != nullptr) trial.own = [&] { row.other(job); };
+  trial.threads = row.onTwoThreads;
+  if (trial.threads) {
+    helper = std::make_unique<Helper>();
+    trial.ours = [&] { runOnTwoThreads(plan.get(), job, helper.get()); };
+    trial.own = runOnOneThread;
+  }
   trial.correct = [&] {
     const zelm::InstructionSet ceiling = zelm::instructionSetCeiling();
     zelm::setInstructionSetCeiling(zelm::InstructionSet::kPlain);
     memset(dst.data(), 0x5A, dst.size());
-    runPlan(plan.get(), job, 1);
+    runOnOneThread();
     const std::vector<uint8_t> expected(dst.data(), dst.data() + dst.size());
     zelm::setInstructionSetCeiling(ceiling);
     memset(dst.data(), 0x5A, dst.size());
     trial.ours();
     return memcmp(expected.data(), dst.data(), dst.size()) == 0;
   };
-  if (row.threads > 1) {
-    trial.own = [&] { runPlan(plan.get(), job, 1); };
-  } else if (row.other != nullptr) {
-    trial.own = [&] { row.other(job); };
-  }
-  trial.threads = row.threads > 1;
   trial.read = src.data();
   trial.written = dst.data();
   trial.moved = moved;

@@ -14,7 +14,7 @@ struct Side {
 struct PlanRow : Label {
   Side src, dst;
   ZelmEdit edit;
-  int threads;
+  bool onTwoThreads;                          // beside one
   std::function<void(const PlanJob&)> other;  // the way that is called `own`
 };
 

@@ -45,7 +45,8 @@ check() {
   $readelf -lW "$library" | awk '$1 == "LOAD" && $NF != "0x4000" { exit 1 }' ||
     fail "$1, $3: a segment is not aligned to 16 KiB"
   needed=$(sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' <<<"$dynamic" | sort | paste -s -d ' ')
-  [[ $needed =~ ^libc.so(\ libm.so)?$ ]] || fail "$1, $3: other libraries are needed: $needed"
+  [[ $needed =~ ^libc.so(\ libm.so)?$ ]] ||
+    fail "$1, $3: other libraries are needed: $needed"
   grep -q "SONAME.*\[lib$3.so\]" <<<"$dynamic" || fail "$1, $3: another SONAME"
   diff <($nm -D --defined-only --format=just-symbols "$library" | sort) \
     <(sed -n '/global:/,/local:/s/^ *\([A-Za-z0-9_]*\);$/\1/p' "$map" | sort) ||

@@ -7,8 +7,8 @@
 #                  that are so each time are named; also --profile
 #   frames         plans beside other libraries, zelm_imageutil and one thread
 #   --quick        fewer and shorter repetitions
-#   --ceiling=SET  peers, frames: the library is held to plain, sse4, avx2, avx512 or all; at avx2
-#                  the peers are held to AVX2, too
+#   --ceiling=SET  peers, frames: the library is held to plain, sse4, avx2, avx512 or all;
+#                  at avx2 the peers are held to AVX2, too
 #   --store        replaces the values in bench/results/, for a machine of this kind
 #   REGEX          only rows whose name contains a match
 # The values stand in build-bench/ as comma-separated values. Installs missing packages as

@@ -42,7 +42,7 @@ zelm-imageutil convert video.nv12 video.yuv --size 1280x720
 decoded_frame <video.yuv >decoded_frame.ours
 zelm-imageutil convert card.nv12 decoded_frame.theirs --to ppm --size 1280x720 \
   --resize 640x360
-alike decoded_frame 40
+alike decoded_frame 45
 
 zelm-imageutil testcard large.nv12 --size 3840x2160
 example_frames video 3840 <large.nv12 >large-video.nv12
@@ -51,6 +51,6 @@ for example in all_cores all_cores_openmp; do
   [ -x "$build/$example" ] || continue
   "$example" <large-video.nv12 >$example.ours
   ln -s large.rgba $example.theirs
-  alike $example 40
+  alike $example 45
 done
 rm -f ./*
