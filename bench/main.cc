@@ -1,5 +1,6 @@
-// Times every stage and pipeline, beside other libraries or with one instruction set
-// after the other, and prints comma-separated values.
+// Times every stage and pipeline, or the plans of libzelm_frames, beside other
+// libraries or with one instruction set after the other, and prints comma-separated
+// values.
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
@@ -9,13 +10,16 @@
 #include <regex>
 
 #include "measure.h"
+#include "plan_rows.h"
 
 namespace {
 
 using zelm::InstructionSet;
 
 constexpr char kUsage[] =
-    "usage: zelm-bench [--quick] [--ceiling=SET | --sets | --list] [--rows=REGEX]\n"
+    "usage: zelm-bench [--frames] [--quick] [--ceiling=SET | --sets | --list]\n"
+    "                  [--rows=REGEX]\n"
+    "  --frames       plans of libzelm_frames instead of stages and pipelines\n"
     "  --quick        fewer and shorter repetitions\n"
     "  --rows=REGEX   only rows whose name contains a match\n"
     "  --list         print the names of the rows\n"
@@ -35,7 +39,7 @@ InstructionSet setNamed(const char* name) {
 }
 
 struct Options {
-  bool quick = false, list = false, sets = false;
+  bool frames = false, quick = false, list = false, sets = false;
   std::string ceiling = "all";
   std::regex rows = std::regex(".");
 };
@@ -43,7 +47,9 @@ struct Options {
 bool parse(int count, char** arguments, Options* options) {
   for (int i = 1; i < count; ++i) {
     const std::string a = arguments[i];
-    if (a == "--quick") {
+    if (a == "--frames") {
+      options->frames = true;
+    } else if (a == "--quick") {
       options->quick = true;
     } else if (a == "--list") {
       options->list = true;
@@ -87,17 +93,17 @@ void printHeading(const Options& options, const bench::Effort& effort,
   }
   puts(
       ",ceiling,ours_ns,memcpy_ns,libyuv_ns,opencv_ns,swscale_ns,zimg_ns,best_peer,"
-      "ratio,target,memcpy_target,not_counted,remarks,psnr_db");
+      "ratio,target,memcpy_target,not_counted,remarks,psnr_db,own,own_ns,own_target");
 }
 
 // Sets that the processor lacks run as the highest one that it has.
-void printSets(const bench::Row& row, const bench::Result& result) {
+void printSets(const bench::Label& row, const bench::Result& result) {
   printf("%s,%s,%s", row.stage.c_str(), row.size.c_str(), row.family.c_str());
   for (const double time : result.times) printNanoseconds(time);
   puts("");
 }
 
-void printPeers(const bench::Row& row, const std::string& ceiling,
+void printPeers(const bench::Label& row, const std::string& ceiling,
                 const bench::Result& result) {
   printf("%s,%s,%s,%s", row.stage.c_str(), row.size.c_str(), row.family.c_str(),
          ceiling.c_str());
@@ -129,24 +135,21 @@ void printPeers(const bench::Row& row, const std::string& ceiling,
     printf(",,,");
   }
   printf(row.roof > 0 ? ",%.2f" : ",", row.roof);
-  printf(",%s,%s,%s\n", notCounted.c_str(), remarks.c_str(), differences.c_str());
+  printf(",%s,%s,%s", notCounted.c_str(), remarks.c_str(), differences.c_str());
+  if (row.own.empty()) {
+    puts(",,,");
+  } else {
+    printf(",%s,%.0f,%.2f\n", row.own.c_str(), result.ownTime, row.ownTarget);
+  }
 }
 
-int run(const Options& options) {
-  const bench::Effort effort =
-      options.quick ? bench::Effort{5, 0.008} : bench::Effort{25, 0.02};
-  bench::prepare(effort);
-  bench::Ceilings ceilings = {setNamed(options.ceiling.c_str())};
-  std::vector<bench::Library> peers;
-  if (options.sets) {
-    ceilings.clear();
-    for (const char* set : kSets) ceilings.push_back(setNamed(set));
-  } else if (ceilings[0] >= InstructionSet::kAvx2) {
-    peers = bench::libraries(ceilings[0] == InstructionSet::kAvx2);
-  }
-  if (!options.list) printHeading(options, effort, peers);
+// Measures those of the rows that are asked for; returns how many were wrong.
+template <class Rows>
+int measureAll(const Rows& rows, const Options& options,
+               const bench::Ceilings& ceilings,
+               const std::vector<bench::Library>& peers) {
   int wrong = 0;
-  for (const bench::Row& row : bench::allRows()) {
+  for (const auto& row : rows) {
     if (!std::regex_search(row.name(), options.rows)) continue;
     if (options.list) {
       puts(row.name().c_str());
@@ -165,6 +168,25 @@ int run(const Options& options) {
     }
     fflush(stdout);
   }
+  return wrong;
+}
+
+int run(const Options& options) {
+  const bench::Effort effort =
+      options.quick ? bench::Effort{5, 0.008} : bench::Effort{25, 0.02};
+  bench::prepare(effort);
+  bench::Ceilings ceilings = {setNamed(options.ceiling.c_str())};
+  std::vector<bench::Library> peers;
+  if (options.sets) {
+    ceilings.clear();
+    for (const char* set : kSets) ceilings.push_back(setNamed(set));
+  } else if (ceilings[0] >= InstructionSet::kAvx2) {
+    peers = bench::libraries(ceilings[0] == InstructionSet::kAvx2);
+  }
+  if (!options.list) printHeading(options, effort, peers);
+  const int wrong = options.frames
+                        ? measureAll(bench::allPlanRows(), options, ceilings, peers)
+                        : measureAll(bench::allRows(), options, ceilings, peers);
   return wrong == 0 ? 0 : 1;
 }
 

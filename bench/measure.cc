@@ -22,7 +22,9 @@ class LowerQuartile : public benchmark::BenchmarkReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.run_type != Run::RT_Iteration) continue;
-      times_[run.run_name.function_name].push_back(run.GetAdjustedCPUTime());
+      const bool clock = run.run_name.time_type == "real_time";
+      times_[run.run_name.function_name].push_back(clock ? run.GetAdjustedRealTime()
+                                                         : run.GetAdjustedCPUTime());
     }
   }
   double of(const std::string& name) {
@@ -35,34 +37,19 @@ class LowerQuartile : public benchmark::BenchmarkReporter {
   std::map<std::string, std::vector<double>> times_;
 };
 
-void contend(const std::string& name, zelm::InstructionSet ceiling,
+void contend(const std::string& name, zelm::InstructionSet ceiling, bool threads,
              std::function<void()> run) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [=](benchmark::State& state) {
-                                 zelm::setInstructionSetCeiling(ceiling);
-                                 for (auto _ : state) {
-                                   run();
-                                   benchmark::ClobberMemory();
-                                 }
-                               })
-      ->Unit(benchmark::kNanosecond)
-      ->MeasureProcessCPUTime();
+  auto* const benchmark =
+      benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+        zelm::setInstructionSetCeiling(ceiling);
+        for (auto _ : state) {
+          run();
+          benchmark::ClobberMemory();
+        }
+      });
+  benchmark->Unit(benchmark::kNanosecond);
+  threads ? benchmark->UseRealTime() : benchmark->MeasureProcessCPUTime();
 }
-
-// Mean squared error over bytes, or over the fields of 16-bit words scaled to bytes.
-class Error {
- public:
-  void add(int a, int b) {
-    sum_ += (a - b) * (a - b);
-    ++count_;
-  }
-  double psnr() const {
-    return sum_ == 0 ? INFINITY : 10 * std::log10(255.0 * 255.0 * count_ / sum_);
-  }
-
- private:
-  double sum_ = 0, count_ = 0;
-};
 
 double difference(const Row& row, const Peer& peer, const uint8_t* ours,
                   const uint8_t* theirs) {
@@ -127,38 +114,38 @@ void prepare(const Effort& effort) {
   benchmark::Initialize(&count, arguments.data());
 }
 
-Result measure(const Row& row, const Ceilings& ceilings,
-               const std::vector<Library>& peers) {
+double Error::psnr() const {
+  return sum_ == 0 ? INFINITY : 10 * std::log10(255.0 * 255.0 * count_ / sum_);
+}
+
+Result measure(const Trial& trial, const Ceilings& ceilings) {
   Result result = {};
-  const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
-  Frame src(row.job.src, Buffer::kSource, moved);
-  Frame dst(row.job.dst, Buffer::kDestination, moved);
-  uint8_t *const from = src.record.data, *const to = dst.record.data;
-  paint(src);
   for (const zelm::InstructionSet ceiling : ceilings) {
     zelm::setInstructionSetCeiling(ceiling);
-    if (!correct(row, src.record, dst.record)) return result;
+    if (!trial.correct()) return result;
   }
   result.correct = true;
-  const std::vector<uint8_t> ours(to, to + dst.record.dataSize);
+  const std::vector<uint8_t> ours(trial.written, trial.written + trial.size);
 
   benchmark::ClearRegisteredBenchmarks();
-  const auto nameOf = [&row](const std::string& who) { return row.name() + "/" + who; };
+  const auto nameOf = [&trial](const std::string& who) {
+    return trial.name + "/" + who;
+  };
+  const auto enter = [&](const std::string& who, zelm::InstructionSet ceiling,
+                         const std::function<void()>& run) {
+    contend(nameOf(who), ceiling, trial.threads, run);
+  };
   for (size_t i = 0; i < ceilings.size(); ++i) {
-    contend(nameOf(std::to_string(i)), ceilings[i],
-            [&] { row.ours(&dst.record, &src.record); });
+    enter(std::to_string(i), ceilings[i], trial.ours);
   }
-  contend(nameOf("memcpy"), ceilings[0], [=] { memcpy(to, from, moved); });
-  Job job = row.job;
-  job.src = src.record;
-  job.dst = dst.record;
-  for (const Library& library : peers) {
-    const Peer peer = peerFor(library, job);
-    if (peer.run == nullptr) continue;
+  if (trial.own != nullptr) enter("own", ceilings[0], trial.own);
+  enter("memcpy", ceilings[0],
+        [&trial] { memcpy(trial.written, trial.read, trial.moved); });
+  for (const auto& [library, peer] : trial.peers) {
     peer.run();
-    result.peers.push_back({library.name, peer.remark, peer.counted, 0,
-                            difference(row, peer, ours.data(), to)});
-    contend(nameOf(library.name), ceilings[0], peer.run);
+    result.peers.push_back(
+        {library, peer.remark, peer.counted, 0, trial.difference(peer, ours.data())});
+    enter(library, ceilings[0], peer.run);
   }
 
   LowerQuartile times;
@@ -166,9 +153,37 @@ Result measure(const Row& row, const Ceilings& ceilings,
   for (size_t i = 0; i < ceilings.size(); ++i) {
     result.times.push_back(times.of(nameOf(std::to_string(i))));
   }
+  if (trial.own != nullptr) result.ownTime = times.of(nameOf("own"));
   result.memcpyTime = times.of(nameOf("memcpy"));
   for (PeerResult& p : result.peers) p.time = times.of(nameOf(p.library));
   return result;
+}
+
+Result measure(const Row& row, const Ceilings& ceilings,
+               const std::vector<Library>& peers) {
+  const size_t moved = (partRead(row.job).length + partWritten(row.job).length) / 2;
+  Frame src(row.job.src, Buffer::kSource, moved);
+  Frame dst(row.job.dst, Buffer::kDestination, moved);
+  paint(src);
+  Trial trial;
+  trial.name = row.name();
+  trial.ours = [&] { row.ours(&dst.record, &src.record); };
+  trial.correct = [&] { return correct(row, src.record, dst.record); };
+  trial.read = src.record.data;
+  trial.written = dst.record.data;
+  trial.moved = moved;
+  trial.size = dst.record.dataSize;
+  Job job = row.job;
+  job.src = src.record;
+  job.dst = dst.record;
+  for (const Library& library : peers) {
+    const Peer peer = peerFor(library, job);
+    if (peer.run != nullptr) trial.peers.emplace_back(library.name, peer);
+  }
+  trial.difference = [&](const Peer& peer, const uint8_t* ours) {
+    return difference(row, peer, ours, dst.record.data);
+  };
+  return measure(trial, ceilings);
 }
 
 std::string machine() {

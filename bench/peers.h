@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "zelm_frames.h"
 #include "zelm_imageutil.h"
 
 namespace bench {
@@ -57,10 +58,17 @@ inline Peer notCounted(Peer peer, const char* remark) {
   return peer;
 }
 
+// What a plan is asked for.
+struct PlanJob {
+  ZelmFrame src, dst;
+  ZelmEdit edit;
+};
+
 struct Library {
   const char* name;
   std::string version;
   Peer (*offer)(const Job& job);
+  Peer (*offerPlan)(const PlanJob& job);  // null: it has none for any plan
 };
 
 // Those that were found when this was built. OpenCV is held to AVX2 by its environment
@@ -70,6 +78,11 @@ std::vector<Library> libraries(bool upToAvx2);
 // The library's way to do the job. A pipeline is made of its steps unless it has one
 // call for all; memory in between is taken beforehand.
 Peer peerFor(const Library& library, const Job& job);
+
+// A library's way to do what a plan does; empty where it has none.
+Peer libyuvPlan(const PlanJob& job);
+Peer opencvPlan(const PlanJob& job);
+Peer swscalePlan(const PlanJob& job);
 
 Library libyuvLibrary();
 Library opencvLibrary();

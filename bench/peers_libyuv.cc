@@ -195,7 +195,7 @@ Peer offer(const Job& job) {
 }  // namespace
 
 Library libyuvLibrary() {
-  return {"libyuv", "libyuv " + std::to_string(LIBYUV_VERSION), offer};
+  return {"libyuv", "libyuv " + std::to_string(LIBYUV_VERSION), offer, libyuvPlan};
 }
 
 }  // namespace bench

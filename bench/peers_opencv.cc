@@ -199,7 +199,7 @@ Peer offer(const Job& job) {
 
 Library opencvLibrary() {
   cv::setNumThreads(1);
-  return {"OpenCV", "OpenCV " CV_VERSION, offer};
+  return {"OpenCV", "OpenCV " CV_VERSION, offer, opencvPlan};
 }
 
 }  // namespace bench

@@ -66,16 +66,23 @@ Picture whole(const ImageStruct& f, bool written) {
   }
 }
 
-// Full range on both sides, one thread.
-Peer scaled(const Picture& s, const Picture& d, int flags, const char* remark = "") {
+// What luma and chroma of the source mean; the destination is BT.601 in full range.
+struct Colour {
+  int matrix = SWS_CS_ITU601, full = 1;
+};
+
+// One thread.
+Peer scaled(const Picture& s, const Picture& d, int flags, const char* remark = "",
+            const Colour& colour = {}) {
   if (!sws_isSupportedInput(s.format) || !sws_isSupportedOutput(d.format)) return {};
   const std::shared_ptr<SwsContext> context(
       sws_getContext(s.width, s.height, s.format, d.width, d.height, d.format, flags,
                      nullptr, nullptr, nullptr),
       sws_freeContext);
   if (context == nullptr) return {};
-  const int* matrix = sws_getCoefficients(SWS_CS_ITU601);
-  sws_setColorspaceDetails(context.get(), matrix, 1, matrix, 1, 0, 1 << 16, 1 << 16);
+  sws_setColorspaceDetails(context.get(), sws_getCoefficients(colour.matrix),
+                           colour.full, sws_getCoefficients(SWS_CS_ITU601), 1, 0,
+                           1 << 16, 1 << 16);
   const auto call = [=] {
     sws_scale(context.get(), s.planes, s.strides, 0, s.height, d.planes, d.strides);
   };
@@ -126,13 +133,45 @@ Peer offer(const Job& job) {
   }
 }
 
+Picture picture(const ZelmFrame& frame, const ZelmRegion& part) {
+  const AVPixelFormat format = frame.format == ZELM_I420    ? AV_PIX_FMT_YUV420P
+                               : frame.format == ZELM_NV12  ? AV_PIX_FMT_NV12
+                               : frame.format == ZELM_YUYV  ? AV_PIX_FMT_YUYV422
+                               : frame.format == ZELM_RGB24 ? AV_PIX_FMT_RGB24
+                                                            : AV_PIX_FMT_RGBA;
+  const bool whole = part.width == 0;
+  Picture result = {format,
+                    {},
+                    {},
+                    static_cast<int>(whole ? frame.width : part.width),
+                    static_cast<int>(whole ? frame.height : part.height)};
+  for (int p = 0; p < 3; ++p) {
+    const ZelmPlane& plane = frame.planes[p];
+    if (plane.data == nullptr) break;
+    // Parts are taken of NV12 frames alone.
+    result.planes[p] =
+        plane.data + part.x + (p == 0 ? part.y : part.y / 2) * plane.stride;
+    result.strides[p] = static_cast<int>(plane.stride);
+  }
+  return result;
+}
+
 }  // namespace
+
+Peer swscalePlan(const PlanJob& job) {
+  if (job.edit.turn != 0 || job.edit.mirror != 0) return {};
+  const Picture s = picture(job.src, job.edit.source), d = picture(job.dst, {});
+  const bool halves = s.width == 2 * d.width && s.height == 2 * d.height;
+  const bool limited = job.src.colour == ZELM_BT709_LIMITED;
+  return scaled(s, d, halves ? SWS_AREA : SWS_FAST_BILINEAR, "",
+                limited ? Colour{SWS_CS_ITU709, 0} : Colour{});
+}
 
 Library swscaleLibrary() {
   return {"swscale",
           "swscale " AV_STRINGIFY(LIBSWSCALE_VERSION_MAJOR) "." AV_STRINGIFY(
               LIBSWSCALE_VERSION_MINOR) "." AV_STRINGIFY(LIBSWSCALE_VERSION_MICRO),
-          offer};
+          offer, swscalePlan};
 }
 
 }  // namespace bench

@@ -11,7 +11,7 @@ $1 == "stage" {
          peers[1], peers[2], peers[3], peers[4], "target"
   next
 }
-function value(name) { return $column[name] }
+function value(name) { return name in column ? $column[name] : "" }
 # Microseconds, of short times more digits.
 function microseconds(ns) { return sprintf(ns < 10000 ? "%.3f" : "%.1f", ns / 1000) }
 function peer_cell(peer,  time, text) {
@@ -30,7 +30,15 @@ function least(target) {
   roof = value("memcpy_ns") / value("ours_ns")
   printf "%-36s %-21s %10s %7.2f", $1, $2, microseconds(value("ours_ns")), roof
   for (i = 1; i <= 4; ++i) printf " %8s", peer_cell(peers[i])
-  printf " %7s\n", value("target")
+  printf " %7s", value("target")
+  own = value("own_ns")
+  if (own != "") {
+    printf "   %s: %.2f", value("own"), own / value("ours_ns")
+    if (own / value("ours_ns") < value("own_target"))
+      short[++shorts] = sprintf("%s: %.2f of %s instead of %.2f", name,
+                                own / value("ours_ns"), value("own"), value("own_target"))
+  }
+  print ""
   ratio = value("ratio")
   if (ratio == "") next
   ++compared
@@ -41,6 +49,10 @@ function least(target) {
                                value("memcpy_target"))
 }
 END {
+  if (shorts) {
+    print "\nShort of the figures beside the library's own other ways:"
+    for (n = 1; n <= shorts; ++n) print "  " short[n]
+  }
   if (!compared) exit
   print "\nA peer's figure is its time divided by ours: above 1 the library is faster. The"
   print "fastest peer that is counted has a star; in brackets are peers that answer another"

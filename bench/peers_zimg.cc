@@ -86,7 +86,7 @@ Library zimgLibrary(bool upToAvx2) {
   return {"zimg",
           "zimg " + std::to_string(version[0]) + "." + std::to_string(version[1]) +
               "." + std::to_string(version[2]),
-          offer};
+          offer, nullptr};
 }
 
 }  // namespace bench

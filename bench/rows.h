@@ -10,14 +10,20 @@
 
 namespace bench {
 
-struct Row {
+// What a row is called and what it is to reach.
+struct Label {
   std::string stage, size, family;
-  Job job;
-  std::function<int(ImageStruct*dst, ImageStruct*src)> ours, expected;
-  double target;  // ratio to the fastest peer that counts
-  double roof;    // fraction of the speed of memcpy; 0: no figure to reach
+  double target = 0;     // ratio to the fastest peer that counts
+  double roof = 0;       // fraction of the speed of memcpy; 0: no figure to reach
+  std::string own;       // another way of ours to do it; may be empty
+  double ownTarget = 0;  // ratio to that
 
   std::string name() const { return stage + " " + size; }
+};
+
+struct Row : Label {
+  Job job;
+  std::function<int(ImageStruct*dst, ImageStruct*src)> ours, expected;
 };
 
 std::vector<Row> allRows();

@@ -57,9 +57,9 @@ set(CPACK_COMPONENT_DEVEL_DESCRIPTION "${PROJECT_DESCRIPTION} (development files
 The header, the static library, and what CMake and pkg-config need
 to find them.")
 set(CPACK_COMPONENT_FRAMES_DESCRIPTION "${ZELM_FRAMES_DESCRIPTION}
-Between all of 17 formats of YUV, RGB and grey, in planes with strides of their
-own, limited or full range, BT.601, BT.709 or BT.2020, on any number of threads,
-with the same bytes on every processor.")
+Between all of 17 formats of YUV, RGB and grey, in planes with strides of
+their own, limited or full range, BT.601, BT.709 or BT.2020, on any number of
+threads, with the same bytes on every processor.")
 set(CPACK_COMPONENT_FRAMES_DEVEL_DESCRIPTION
 "${ZELM_FRAMES_DESCRIPTION} (development files)
 The header, the static library, and what CMake and pkg-config need

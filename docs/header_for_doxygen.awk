@@ -1,12 +1,15 @@
-# Rewrites the public header for doxygen, whose own marks it does without:
-# - the comment at its top becomes the main page;
+# Rewrites a public header for doxygen, whose own marks it does without:
+# - the comment at its top becomes the main page, or a page of its own;
 # - a comment that begins with a ruled title begins a group, which ends at the next one;
 # - a comment in front of a declaration belongs to it, one behind a member to that member;
 # - lines that are set in by two columns or more are shown as they are;
 # - declarations that follow each other share the comment in front of the first one.
 function begin(line) {
   if (FNR == 1) {
-    sub(/^\/\* [^ ]+ - /, "/** @mainpage zelm_imageutil.h\n * This library ", line)
+    match(line, /zelm_[a-z]+/)
+    name = substr(line, RSTART, RLENGTH)
+    page = name == "zelm_imageutil" ? "@mainpage" : "@page " name
+    sub(/^\/\* [^ ]+ - /, "/** " page " " name ".h\n * This library ", line)
   } else if (match(line, /^\/\* -+ /)) {
     line = substr(line, RLENGTH + 1)
     sub(/ *\*\/$/, "", line)
@@ -41,7 +44,7 @@ in_comment {
   declared = 0
   next
 }
-/^ZELM_API/ {
+/^ZELM_(FRAMES_)?API/ {
   match($0, /[A-Za-z0-9_]+\(/)
   if (!declared) first = substr($0, RSTART, RLENGTH - 1)
   remark = $0

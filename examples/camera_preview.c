@@ -1,6 +1,8 @@
 /* An upright, mirrored preview of a front camera's frame, whose sensor is mounted
  * sideways:
- *   zelm-imageutil testcard - --size 1280x720 --to nv12 | camera_preview >preview.ppm
+ *   zelm-imageutil testcard - --size 720x1280 --to nv12 |
+ *     zelm-imageutil rotate - - --from nv12 --to nv12 --size 720x1280 --angle 270 |
+ *     camera_preview >preview.ppm
  * Camera services hand out three planes, each with bytes from row to row and from
  * sample to sample; U and V often lie in each other's gaps, and the last gap is not
  * there. */

@@ -110,7 +110,7 @@ void yuvToRgb(Band& band) {
   const Route& route = band.route;
   const Region luma = band.luma(nullptr);
   const Region to = band.target.lumaRows(band.first, band.rows);
-  const auto convert = rgbRowKernel(route.to->rgb);
+  const auto convert = rgbRowKernel(route.to->rgb, to.columns);
   if (!route.needsChroma) {
     const uint8_t* pairs = band.neutralPairs();
     for (size_t y = 0; y < band.rows; ++y) {

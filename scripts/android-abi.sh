@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds libzelm_imageutil.so as an Android app would load it, for armeabi-v7a and for
+# Builds both libraries as an Android app would load them, for armeabi-v7a and for
 # arm64-v8a, with clang and lld and without the vendor's kit, and checks page size, names,
-# and what is needed at run time. The 64-bit library is also run, in an emulator.
+# and what is needed at run time. The 64-bit ones are also run, in an emulator.
 #   scripts/android-abi.sh
 # Installs missing packages as root.
 set -euo pipefail
@@ -11,7 +11,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 readelf=llvm-readelf-14
 nm=llvm-nm-14
-expected_sum=c14ff8492c54506dc9c66ad7a570e02f  # as on every processor
 
 fail() {
   echo "$0: $*" >&2
@@ -31,27 +30,27 @@ build() {
   local stubs=$PWD/build-android/$1/stubs
   mkdir -p "$stubs/gnu"
   touch "$stubs/gnu/stubs-soft.h"  # asked for by the headers of a hard-float C library
-  stub "$stubs" "$2" libc.so malloc free memcpy memset raise
+  stub "$stubs" "$2" libc.so malloc calloc free memcpy memset memcmp vsnprintf raise
   stub "$stubs" "$2" libm.so log
-    cmake -S . -B "build-android/$1" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/android-abi.cmake" \
+  cmake -S . -B "build-android/$1" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/android-abi.cmake" \
     -DZELM_ANDROID_ABI="$1" -DZELM_ANDROID_STUBS="$stubs" -DCMAKE_BUILD_TYPE=Release \
     -DZELM_BUILD_TOOL=OFF -DZELM_BUILD_TESTS=OFF
-  cmake --build "build-android/$1" -j "$(nproc)" --target zelm_imageutil
+  cmake --build "build-android/$1" -j "$(nproc)" --target zelm_imageutil zelm_frames
 }
 
-# check ABI
+# check ABI FOLDER NAME MAP: the library libNAME.so
 check() {
-  local library=build-android/$1/src/libzelm_imageutil.so dynamic
+  local library=build-android/$1/$2/lib$3.so map=cmake/$4 dynamic needed
   dynamic=$($readelf -d "$library")
   $readelf -lW "$library" | awk '$1 == "LOAD" && $NF != "0x4000" { exit 1 }' ||
-    fail "$1: a segment is not aligned to 16 KiB"
-  diff <(sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' <<<"$dynamic" | sort) \
-    <(printf '%s\n' libc.so libm.so) || fail "$1: other libraries are needed"
-  grep -q 'SONAME.*\[libzelm_imageutil.so\]' <<<"$dynamic" || fail "$1: another SONAME"
+    fail "$1, $3: a segment is not aligned to 16 KiB"
+  needed=$(sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' <<<"$dynamic" | sort | paste -s -d ' ')
+  [[ $needed =~ ^libc.so(\ libm.so)?$ ]] || fail "$1, $3: other libraries are needed: $needed"
+  grep -q "SONAME.*\[lib$3.so\]" <<<"$dynamic" || fail "$1, $3: another SONAME"
   diff <($nm -D --defined-only --format=just-symbols "$library" | sort) \
-    <(sed -n '/global:/,/local:/s/^ *\([A-Za-z0-9_]*\);$/\1/p' cmake/exports.map | sort) ||
-    fail "$1: other names than cmake/exports.map has"
-  echo "$1: 16 KiB pages, needs libc.so and libm.so," \
+    <(sed -n '/global:/,/local:/s/^ *\([A-Za-z0-9_]*\);$/\1/p' "$map" | sort) ||
+    fail "$1, $3: other names than $map has"
+  echo "$1, $3: 16 KiB pages, needs $needed," \
     "$($nm -D --defined-only --format=just-symbols "$library" | wc -l) names," \
     "$(stat -c %s "$library") bytes"
 }
@@ -62,15 +61,22 @@ run_64() {
   mkdir -p "$folder"
   ln -sf /usr/aarch64-linux-gnu/lib/libc.so.6 "$folder/libc.so"
   ln -sf /usr/aarch64-linux-gnu/lib/libm.so.6 "$folder/libm.so"
-  cp build-android/arm64-v8a/src/libzelm_imageutil.so "$folder"
-  aarch64-linux-gnu-gcc examples/preview.c -Iinclude -L"$folder" -lzelm_imageutil \
-    -Wl,--allow-shlib-undefined -o "$folder/preview"
-  local sum
+  cp build-android/arm64-v8a/src/libzelm_imageutil.so \
+    build-android/arm64-v8a/frames/libzelm_frames.so "$folder"
+  run_example preview zelm_imageutil c14ff8492c54506dc9c66ad7a570e02f
+  run_example camera_preview zelm_frames aaebe5575bd0d58cb732fb82de7bb572
+}
+
+# run_example NAME LIBRARY SUM: the picture has this sum, as on every processor.
+run_example() {
+  local folder=$PWD/build-android/run sum
+  aarch64-linux-gnu-gcc "examples/$1.c" -Iinclude -L"$folder" "-l$2" \
+    -Wl,--allow-shlib-undefined -o "$folder/$1"
   sum=$(head -c $((1280 * 720 * 3 / 2)) < <(yes "a camera frame") |
-    qemu-aarch64 -L /usr/aarch64-linux-gnu -E LD_LIBRARY_PATH="$folder" \
-      "$folder/preview" | md5sum)
-  [ "${sum%% *}" = "$expected_sum" ] || fail "arm64-v8a: another picture, $sum"
-  echo "arm64-v8a: runs, and makes the expected picture"
+    qemu-aarch64 -L /usr/aarch64-linux-gnu -E LD_LIBRARY_PATH="$folder" "$folder/$1" |
+    md5sum)
+  [ "${sum%% *}" = "$3" ] || fail "arm64-v8a: $1 makes another picture, $sum"
+  echo "arm64-v8a: $1 runs, and makes the expected picture"
 }
 
 # Nobody has the kit's jni.h here; what the example uses of it is little.
@@ -98,7 +104,9 @@ H
 require_packages $android_packages
 build armeabi-v7a armv7a-linux-androideabi21 >/dev/null
 build arm64-v8a aarch64-linux-android21 >/dev/null
-check armeabi-v7a
-check arm64-v8a
+for abi in armeabi-v7a arm64-v8a; do
+  check "$abi" src zelm_imageutil exports.map
+  check "$abi" frames zelm_frames frames_exports.map
+done
 run_64
 check_example

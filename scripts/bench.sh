@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Times the stages and pipelines and prints a table.
-#   scripts/bench.sh [peers|sets] [OPTION...] [REGEX]
+# Times the stages and pipelines, or the plans of libzelm_frames, and prints a table.
+#   scripts/bench.sh [peers|sets|frames] [OPTION...] [REGEX]
 #   peers          beside other libraries; this is what is done without a word
 #   sets           the library alone, with each instruction set of the machine; rows where
 #                  one with more instructions is slower are measured again twice, and those
 #                  that are so each time are named; also --profile
+#   frames         plans beside other libraries, zelm_imageutil and one thread
 #   --quick        fewer and shorter repetitions
-#   --ceiling=SET  peers: the library is held to plain, sse4, avx2, avx512 or all; at avx2
+#   --ceiling=SET  peers, frames: the library is held to plain, sse4, avx2, avx512 or all; at avx2
 #                  the peers are held to AVX2, too
 #   --store        replaces the values in bench/results/, for a machine of this kind
 #   REGEX          only rows whose name contains a match
@@ -23,13 +24,13 @@ store=false
 options=()
 for argument in "$@"; do
   case $argument in
-    peers | sets) word=$argument ;;
+    peers | sets | frames) word=$argument ;;
     --profile) word=sets ;;
     --quick) options+=(--quick) ;;
     --ceiling=*) ceiling=${argument#*=} ;;
     --store) store=true ;;
     -*)
-      sed -n '3,15s/^# *//p' scripts/bench.sh >&2
+      sed -n '3,16s/^# *//p' scripts/bench.sh >&2
       exit 2
       ;;
     *) options+=("--rows=$argument") ;;
@@ -80,13 +81,13 @@ measure() {
   fi
 }
 
-measure_peers() {
-  local name
-  name=$(kind)
+# beside_peers NAME OPTION...
+beside_peers() {
+  local name=$1
   [ "$ceiling" = all ] || name+=-held-to-$ceiling
   # OpenCV reads this before a program can say anything to it.
   [ "$ceiling" != avx2 ] || export OPENCV_CPU_DISABLE=AVX512-SKX
-  measure "$name" peers "--ceiling=$ceiling"
+  measure "$name" peers "--ceiling=$ceiling" "${@:2}"
   echo
   {
     printf 'geometric mean\tfastest\tlibyuv\tOpenCV\tswscale\tzimg\tmemcpy\trows\n'
@@ -100,6 +101,10 @@ measure_peers() {
     print ""
   }'
 }
+
+measure_peers() { beside_peers "$(kind)"; }
+
+measure_frames() { beside_peers "$(kind)-frames" --frames; }
 
 measure_sets() {
   local name slow

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes HTML pages of the public header in build-docs/. Installs missing packages as root.
+# Makes HTML pages of the public headers in build-docs/. Installs missing packages as root.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh

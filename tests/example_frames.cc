@@ -18,7 +18,11 @@ using Bytes = std::vector<uint8_t>;
 Bytes contents(FILE* file) {
   Bytes all;
   if (file == nullptr) return all;
-  for (int c; (c = std::fgetc(file)) != EOF;) all.push_back(static_cast<uint8_t>(c));
+  for (size_t had = 0, got = 1; got != 0; had += got) {
+    all.resize(had + (1 << 20));
+    got = std::fread(all.data() + had, 1, all.size() - had, file);
+    if (got == 0) all.resize(had);
+  }
   return all;
 }
 

@@ -27,15 +27,16 @@ preview <card.nv21 >preview.ours
 zelm-imageutil convert card.nv21 preview.theirs --to ppm --size 1280x720 --resize 640x360
 same preview
 
-# A camera's frame, turned and mirrored; the program turns, and the mirror is our own.
-zelm-imageutil testcard card.nv12 --size 1280x720
-camera_preview <card.nv12 >camera_preview.ours
-zelm-imageutil rotate card.nv12 turned.nv12 --size 1280x720 --angle 90
-example_frames mirror 720 <turned.nv12 >mirrored.nv12
+# The sensor of a front camera sees the card lying on its side.
+zelm-imageutil testcard upright.nv12 --size 720x1280
+zelm-imageutil rotate upright.nv12 sensor.nv12 --size 720x1280 --angle 270
+camera_preview <sensor.nv12 >camera_preview.ours
+example_frames mirror 720 <upright.nv12 >mirrored.nv12
 zelm-imageutil convert mirrored.nv12 camera_preview.theirs --to ppm --size 720x1280
 same camera_preview
 
 # Video of limited range, made of the card: its picture is nearly that of the card.
+zelm-imageutil testcard card.nv12 --size 1280x720
 example_frames video 1280 <card.nv12 >video.nv12
 zelm-imageutil convert video.nv12 video.yuv --size 1280x720
 decoded_frame <video.yuv >decoded_frame.ours

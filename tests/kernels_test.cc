@@ -178,7 +178,7 @@ class Noise {
 TEST(BoxAverages, AreMeansRoundedDown) {
   Random random(11);
   Noise from, to;
-  for (const size_t factor : {2, 4}) {
+  for (size_t factor = 2; factor <= 4; factor += 2) {
     for (size_t sample = 1; sample <= 4; ++sample) {
       for (const size_t samples : {1, 7, 16, 33, 64, 131}) {
         for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
@@ -389,7 +389,7 @@ TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
           uint8_t* made = toNoise.place(pixels * pixelBytes, guard, &random);
           const ChromaRows chroma = {own, pixels % 3 == 0 ? own : other,
                                      order / 2 % 2 == 0, random.below(2) == 0};
-          rgbRowKernel(format)(made, luma, chroma, pixels, colour);
+          rgbRowKernel(format, pixels)(made, luma, chroma, pixels, colour);
           for (size_t x = 0; x < pixels; ++x) {
             uint32_t pixel = 0;
             for (size_t i = 0; i < pixelBytes; ++i) {

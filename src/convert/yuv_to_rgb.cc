@@ -102,17 +102,20 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-RgbRow* rgbRowKernel(RgbLayout layout) { return ZELM_KERNEL(kernelOf)(layout); }
+// The last pair is left to plain code.
+RgbRow* rgbRowKernel(RgbLayout layout, size_t pixels) {
+  return ZELM_KERNEL_FOR(kernelOf, pixels - (pixels < 2 ? pixels : 2))(layout);
+}
 
 static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
-                          RgbLayout layout, size_t pixelBytes) {
-  const Region to = packedRegion(dst, pixelBytes);
+                          RgbLayout layout) {
+  const Region to = packedRegion(dst, pixelBytes(layout));
   const Region luma = lumaRegion(src);
   const Region chroma = chromaRegion(src);
   if (chroma.empty()) return;
-  RgbRow* const convert = rgbRowKernel(layout);
   const bool uFirst = src.format == FORMAT_YUV420SP;
   const size_t pixels = 2 * chroma.columns;
+  RgbRow* const convert = rgbRowKernel(layout, pixels);
 
   for (size_t k = 0; k < chroma.rows; ++k) {
     const bool partners = k > 0 && k + 1 < chroma.rows;
@@ -130,14 +133,14 @@ static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
 }  // namespace zelm
 
 extern "C" void convYUV420SP_RGBA8888(ImageStruct* dst, ImageStruct* src) {
-  zelm::convertRegion(*dst, *src, zelm::RgbLayout::kRgba, 4);
+  zelm::convertRegion(*dst, *src, zelm::RgbLayout::kRgba);
 }
 
 extern "C" void convYUV420SP_RGB888(ImageStruct* dst, ImageStruct* src) {
-  zelm::convertRegion(*dst, *src, zelm::RgbLayout::kRgb24, 3);
+  zelm::convertRegion(*dst, *src, zelm::RgbLayout::kRgb24);
 }
 
 extern "C" void convYUV420SP_RGB565(ImageStruct* dst, ImageStruct* src) {
-  zelm::convertRegion(*dst, *src, zelm::RgbLayout::kBgr565, 2);
+  zelm::convertRegion(*dst, *src, zelm::RgbLayout::kBgr565);
 }
 #endif  // HWY_ONCE

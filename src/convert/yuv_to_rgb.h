@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "convert/rgb_layout.h"
+
 namespace zelm {
 
 // The chroma of one luma row. One byte of each pair, the lone one, is taken from the
@@ -29,16 +31,13 @@ struct YuvToRgb {
 
 constexpr YuvToRgb kBt601Full = {0, 16384, 22970, 5638, 11700, 29032, true};
 
-// Names give channels in the order of bytes, but for words of 16 bits from the highest
-// bit on.
-enum class RgbLayout { kRgb24, kBgr24, kRgba, kBgra, kRgb565, kBgr565 };
-
 // Makes a row of pixels. The rows of chroma have a pair for every two of them, and one
 // more for the last pixel of an odd number.
 using RgbRow = void(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
                     size_t pixels, const YuvToRgb& colour);
 
-RgbRow* rgbRowKernel(RgbLayout layout);
+// Returns the kernel for rows of so many pixels.
+RgbRow* rgbRowKernel(RgbLayout layout, size_t pixels);
 
 }  // namespace zelm
 
