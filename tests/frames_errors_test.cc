@@ -252,7 +252,7 @@ TEST(FramesErrors, LeaveTheRestAlone) {
       [](Request* r) {
         r->src.frame.format = ZELM_RGB24;
         r->src.frame.width = r->src.frame.height = 10;
-        r->src.frame.colour = 1000;
+        r->src.frame.colour = 0xFFFFFFFF;
         r->src.frame.planes[1] = {nullptr, -5, 9, 1};
       },
       // Rows that are longer than what follows the last one.
@@ -273,6 +273,20 @@ TEST(FramesErrors, LeaveTheRestAlone) {
     ZelmMessage message;
     EXPECT_EQ(zelmConvert(&r.dst.frame, &r.src.frame, &r.edit, &message), ZELM_OK)
         << message.text;
+  }
+}
+
+// RGB has no colour description, whatever stands in its place.
+TEST(FramesErrors, ColourOfRgbIsNotRead) {
+  for (const auto& [from, to] :
+       {std::pair{ZELM_RGBA, ZELM_BGR24}, std::pair{ZELM_RGB24, ZELM_NV12},
+        std::pair{ZELM_I420, ZELM_RGB565}}) {
+    OwnFrame src(from, 20, 10), dst(to, 20, 10), other(to, 20, 10);
+    src.fill(3);
+    convert(&dst, src);
+    (from == ZELM_I420 ? other : src).frame.colour = 0xFFFFFFFF;
+    convert(&other, src);
+    EXPECT_TRUE(other.bytes == dst.bytes);
   }
 }
 

@@ -161,11 +161,11 @@ std::vector<Case> largeCases() {
     edit.lumaFilter = i % 3;
     edit.chromaFilter = (i + 1) % 3;
     const bool quarter = i % 2 == 1;
-    const uint32_t w = scales ? 1000 : 500, h = scales ? 700 : 1400;
+    const uint32_t w = scales ? 500 : 250, h = scales ? 350 : 700;
     edit.source = {16, 8, w, h};
-    edit.destination = {2, 4, quarter ? 1400u : 500u, quarter ? 500u : 1400u};
-    cases.push_back({layOut(formats[i % 6][1], 1404, 1406, ZELM_BT709_LIMITED),
-                     layOut(formats[i % 6][0], 1030, 1410, ZELM_BT709_LIMITED), edit});
+    edit.destination = {2, 4, quarter ? 700u : 250u, quarter ? 250u : 700u};
+    cases.push_back({layOut(formats[i % 6][1], 704, 706, ZELM_BT709_LIMITED),
+                     layOut(formats[i % 6][0], 530, 710, ZELM_BT709_LIMITED), edit});
   }
   return cases;
 }
@@ -211,7 +211,9 @@ TEST(FramesBands, AnyOrderAndNumberOfThreads) {
 
 // A band writes nothing but its own part, and all parts together are the region.
 TEST(FramesBands, EachWritesItsOwnPart) {
+  int i = 0;
   for (const Case& c : largeCases()) {
+    if (++i % std::min(4, caseStep()) != 0) continue;
     OwnFrame src(c.src.frame.format, c.src.frame.width, c.src.frame.height);
     OwnFrame whole(c.dst.frame.format, c.dst.frame.width, c.dst.frame.height);
     src.fill(1);
