@@ -10,8 +10,12 @@
 namespace zelm {
 namespace {
 
-// What a band reads, makes and writes is to stay in the second-level cache.
+// What a band reads, makes and writes is to stay in the second-level cache. Where
+// little is made in between, bands are larger, so that they take no time to begin, but
+// not fewer than a few for each thread.
 constexpr size_t kBandBytes = 256 * 1024;
+constexpr size_t kDirectBandBytes = 1024 * 1024;
+constexpr size_t kLeastBands = 8;
 
 constexpr ZelmEdit kNoEdit = {};
 
@@ -85,6 +89,15 @@ int halvingsOf(const Route& route) {
   return from == to ? 0 : reductionRate(from.columns, from.rows, to.columns, to.rows);
 }
 
+uint64_t bytesOf(const Format& format, const Rect& region) {
+  uint64_t bytes = 0;
+  for (int p = 0; p < format.planes; ++p) {
+    const PlaneExtent extent = planeExtent(format, p, region.columns, region.rows);
+    bytes += uint64_t{extent.rows} * extent.rowBytes;
+  }
+  return bytes;
+}
+
 Route routeOf(const ZelmFrame& dst, const Rect& target, const ZelmFrame& src,
               const Rect& source, const ZelmEdit& edit) {
   Route route = {};
@@ -115,6 +128,8 @@ Route routeOf(const ZelmFrame& dst, const Rect& target, const ZelmFrame& src,
                   edit.chromaFilter,
                   turn};
 
+  route.frameBytes = bytesOf(*route.from, source) + bytesOf(*route.to, target);
+
   // The colour of RGB frames may be any number.
   const bool fromRgb = route.from->isRgb(), toRgb = route.to->isRgb();
   if (!fromRgb && toRgb) route.toRgb = yuvToRgb(src.colour);
@@ -144,19 +159,15 @@ Route routeOf(const ZelmFrame& dst, const Rect& target, const ZelmFrame& src,
 size_t bandRowsOf(const Route& route) {
   const size_t all = route.targetRegion.rows;
   const size_t sixteen = all < 16 ? all : 16;
-  // What sixteen rows touch: scratch memory, and about as much of both frames.
-  const auto frameBytes = [](const Format& format, const Rect& region) {
-    uint64_t bytes = 0;
-    for (int p = 0; p < format.planes; ++p) {
-      const PlaneExtent extent = planeExtent(format, p, region.columns, region.rows);
-      bytes += uint64_t{extent.rows} * extent.rowBytes;
-    }
-    return bytes;
-  };
-  const uint64_t frames = frameBytes(*route.from, route.sourceRegion) +
-                          frameBytes(*route.to, route.targetRegion);
-  const uint64_t touched = frames * sixteen / all + scratchFor(route, 0, sixteen);
-  auto rows = static_cast<size_t>(sixteen * kBandBytes / touched);
+  const Layout from = route.from->layout;
+  const bool direct = !route.luma.isScaled() && !route.luma.turn.transposed &&
+                      from != Layout::kTiles && from != Layout::kWords565;
+  // What sixteen rows touch of both frames, and scratch memory.
+  const uint64_t touched =
+      route.frameBytes * sixteen / all + (direct ? 0 : scratchFor(route, 0, sixteen));
+  auto rows = static_cast<size_t>(sixteen * (direct ? kDirectBandBytes : kBandBytes) /
+                                  (touched + 1));
+  if (rows > all / kLeastBands) rows = all / kLeastBands;
   // A band of turned rows reads columns, and whole cache lines of them.
   const size_t least = route.luma.turn.transposed ? 64 : 16;
   rows = rows / least * least;

@@ -11,6 +11,7 @@
 #include "frames/kernels/recolour.h"
 #include "frames/pair_rows.h"
 #include "frames/write.h"
+#include "simd/streaming.h"
 
 namespace zelm {
 namespace {
@@ -199,6 +200,7 @@ void splitPackedRows(Band& band) {
   const Region& from = band.layers.luma.plane;
   const size_t columns = route.targetRegion.columns, shared = route.rowsShared();
   const auto split = splitPackedKernel(columns);
+  const bool stream = worthStreaming(route.frameBytes);
   for (size_t y = 0; y < band.rows; y += shared) {
     const size_t row = band.first + y;
     const bool two = shared == 2 && y + 1 < band.rows;
@@ -207,11 +209,12 @@ void splitPackedRows(Band& band) {
     uint8_t* pairs =
         target.uFirst() ? target.pairsPlace(row / shared) : target.scratchPairs();
     split(luma, pairs, {from.row(row), two ? from.row(row + 1) : nullptr}, columns,
-          route.from->uFirst, route.chromaRows == Rows::kUpper);
+          route.from->uFirst, route.chromaRows == Rows::kUpper, stream);
     target.writeLuma(row, luma[0]);
     if (two) target.writeLuma(row + 1, luma[1]);
     target.writePairs(row / shared, pairs, true);
   }
+  if (stream) finishStreaming();
 }
 
 void yuvToYuv(Band& band) {

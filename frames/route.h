@@ -23,6 +23,7 @@ struct Route {
   Sampling work;    // of the source as it is read
   Rows chromaRows;  // how 4:2:2 is read
   bool needsChroma;
+  uint64_t frameBytes;  // of both regions
   bool recolours;  // from YUV to YUV of another colour
   YuvToRgb toRgb;
   YuvToYuv recolour;

@@ -44,7 +44,7 @@ void meanRow(uint8_t* to, const uint8_t* a, const uint8_t* b, size_t bytes) {
   }
 }
 
-template <bool kChromaFirst, size_t kRows, bool kUpper>
+template <bool kStream, bool kChromaFirst, size_t kRows, bool kUpper>
 HWY_INLINE void splitRows(uint8_t* const (&luma)[2], uint8_t* pairs,
                           const uint8_t* const (&from)[2], size_t pixels) {
   size_t done = 0;
@@ -52,7 +52,7 @@ HWY_INLINE void splitRows(uint8_t* const (&luma)[2], uint8_t* pairs,
   done = 2 * inBlocks(pixels / 2, kBytes / 2, [&](size_t j) HWY_ATTR {
            const auto row = [&](size_t y) HWY_ATTR {
              const SplitPairs split = loadPairs(from[y] + 4 * j);
-             store(kChromaFirst ? split.second : split.first, luma[y] + 2 * j);
+             store<kStream>(kChromaFirst ? split.second : split.first, luma[y] + 2 * j);
              return kChromaFirst ? split.first : split.second;
            };
            Vec<U8> chroma = row(0);
@@ -60,7 +60,7 @@ HWY_INLINE void splitRows(uint8_t* const (&luma)[2], uint8_t* pairs,
              const Vec<U8> below = row(1);
              if (!kUpper) chroma = hn::AverageRound(chroma, below);
            }
-           store(chroma, pairs + 2 * j);
+           store<kStream>(chroma, pairs + 2 * j);
          });
 #endif
   for (size_t y = 0; y < kRows; ++y) {
@@ -74,24 +74,25 @@ HWY_INLINE void splitRows(uint8_t* const (&luma)[2], uint8_t* pairs,
   }
 }
 
-template <bool kChromaFirst>
+template <bool kStream, bool kChromaFirst>
 HWY_INLINE void splitAnyRows(uint8_t* const (&luma)[2], uint8_t* pairs,
                              const uint8_t* const (&from)[2], size_t pixels,
                              bool upper) {
   if (from[1] == nullptr) {
-    splitRows<kChromaFirst, 1, false>(luma, pairs, from, pixels);
+    splitRows<kStream, kChromaFirst, 1, false>(luma, pairs, from, pixels);
   } else if (upper) {
-    splitRows<kChromaFirst, 2, true>(luma, pairs, from, pixels);
+    splitRows<kStream, kChromaFirst, 2, true>(luma, pairs, from, pixels);
   } else {
-    splitRows<kChromaFirst, 2, false>(luma, pairs, from, pixels);
+    splitRows<kStream, kChromaFirst, 2, false>(luma, pairs, from, pixels);
   }
 }
 
 void splitPacked(uint8_t* const (&luma)[2], uint8_t* pairs,
                  const uint8_t* const (&from)[2], size_t pixels, bool chromaFirst,
-                 bool upper) {
-  (chromaFirst ? splitAnyRows<true> : splitAnyRows<false>)(luma, pairs, from, pixels,
-                                                           upper);
+                 bool upper, bool stream) {
+  (chromaFirst ? (stream ? splitAnyRows<true, true> : splitAnyRows<false, true>)
+               : (stream ? splitAnyRows<true, false> : splitAnyRows<false, false>))(
+      luma, pairs, from, pixels, upper);
 }
 
 }  // namespace

@@ -21,10 +21,11 @@ MeanRow* meanRowKernel(size_t bytes);
 
 // Splits a row of packed 4:2:2 into luma and pairs, or two rows into two of luma and
 // one of pairs: their mean, rounded up, or those of the upper row. `from[1]` is null,
-// or the other row. An odd last pixel has a pair of its own.
+// or the other row. An odd last pixel has a pair of its own. With `stream` it stores
+// past the caches, which simd/streaming.h explains.
 using SplitPacked = void(uint8_t* const (&luma)[2], uint8_t* pairs,
                          const uint8_t* const (&from)[2], size_t pixels,
-                         bool chromaFirst, bool upper);
+                         bool chromaFirst, bool upper, bool stream);
 SplitPacked* splitPackedKernel(size_t pixels);
 
 }  // namespace zelm
