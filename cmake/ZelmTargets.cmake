@@ -31,3 +31,18 @@ function(zelm_shared_library target map)
     -Wl,--as-needed -Wl,--gc-sections -Wl,-z,relro,-z,now,-z,noexecstack)
   target_link_libraries(${target} PRIVATE m)
 endfunction()
+
+# Offers zelm_<name> and zelm_<name>_static, made of the target <objects>, as zelm::<name>
+# and zelm::<name>_static. In another project they are only built when they are used.
+function(zelm_offer name objects)
+  foreach(library ${name} ${name}_static)
+    target_include_directories(zelm_${library} PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    add_library(zelm::${library} ALIAS zelm_${library})
+  endforeach()
+  if(NOT ZELM_TOP_LEVEL AND NOT ZELM_INSTALL)
+    set_target_properties(${objects} zelm_${name} zelm_${name}_static PROPERTIES
+      EXCLUDE_FROM_ALL ON)
+  endif()
+endfunction()

@@ -24,7 +24,7 @@ struct Route {
   Rows chromaRows;  // how 4:2:2 is read
   bool needsChroma;
   uint64_t frameBytes;  // of both regions
-  bool recolours;  // from YUV to YUV of another colour
+  bool recolours;       // from YUV to YUV of another colour
   YuvToRgb toRgb;
   YuvToYuv recolour;
   ChannelWeights fromRgb;  // of pairs U, V
