@@ -19,15 +19,16 @@ constexpr size_t kLeastBands = 8;
 
 constexpr ZelmEdit kNoEdit = {};
 
-// Working memory of a plan: as many pieces as there are bands, of which the system
-// gives only those that are used. The first free one is taken, so that a thread which
-// makes one band after the other finds it in its cache.
+// Working memory of a plan: a piece for each band that is made at the same time, of
+// which the system gives only those that are used. The first free one is taken, so that
+// a thread which makes one band after the other finds it in its cache.
 class WorkingMemory {
  public:
   bool allocate(size_t pieces, size_t size) {
+    if (pieces > kMostPieces) pieces = kMostPieces;
+    if (size > SIZE_MAX / pieces) return false;
     size_ = size;
     pieces_ = pieces;
-    if (size > SIZE_MAX / pieces) return false;
     memory_ = static_cast<uint8_t*>(std::calloc(pieces, size));
     taken_ =
         static_cast<std::atomic<bool>*>(std::calloc(pieces, sizeof(std::atomic<bool>)));
@@ -50,7 +51,7 @@ class WorkingMemory {
       taken_[i].store(false, std::memory_order_release);
       return true;
     }
-    // More threads than bands.
+    // More threads than pieces.
     auto* memory = static_cast<uint8_t*>(std::calloc(1, size_));
     if (memory == nullptr) return false;
     Scratch scratch(memory, size_);
@@ -60,6 +61,8 @@ class WorkingMemory {
   }
 
  private:
+  static constexpr size_t kMostPieces = 64;
+
   uint8_t* memory_ = nullptr;
   std::atomic<bool>* taken_ = nullptr;
   size_t pieces_ = 0, size_ = 0;

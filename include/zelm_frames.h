@@ -254,9 +254,9 @@ ZELM_FRAMES_API int zelmPlanBands(const ZelmPlan *plan);
  * make the frame. The frames are to have the format, size and colour that the plan was
  * made for; pointers, strides and sizes may be others each time, and are checked.
  * Returns ZELM_OK; ZELM_NULL, ZELM_BAD_BAND, ZELM_WRONG_FRAME, ZELM_BAD_PLANE or
- * ZELM_OVERLAP, and then nothing was written. Allocates nothing, unless more threads
- * than the plan has bands work with it at the same time: then ZELM_NO_MEMORY may come
- * back, too. */
+ * ZELM_OVERLAP, and then nothing was written. Allocates nothing, unless more than 64
+ * threads, or more than the plan has bands, work with it at the same time: then
+ * ZELM_NO_MEMORY may come back, too. */
 ZELM_FRAMES_API int zelmPlanRunBand(const ZelmPlan *plan, int band, const ZelmFrame *dst,
                                     const ZelmFrame *src);
 
