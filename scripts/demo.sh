@@ -28,7 +28,7 @@ require_all() {
 build() {
   cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON >/dev/null
   cmake --build build -j "$(nproc)" --target zelm-imageutil zelm_imageutil \
-    zelm_imageutil_static
+    zelm_imageutil_static zelm_frames zelm_frames_static
 }
 
 camera_frames() {
