@@ -2,7 +2,7 @@
 # Runs the two commands of the README in a fresh clone of what is committed, on a bare
 # Debian of its own: a chroot with g++, make and git, where the scripts install the rest.
 #   scripts/test-debian.sh [12|13] [demo|test]...    by default 13, demo and test
-# What ZELM_CMAKE_OPTIONS holds goes to CMake. As root; the chroot is made anew in
+# What ZELM_CMAKE_OPTIONS holds goes to CMake, ZELM_TEST_STEP to the tests. As root; the chroot is made anew in
 # build-debian13/ (or 12) each time. Ends with 77 where no chroot can be made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -49,8 +49,9 @@ inside() {
   unshare --mount --fork bash -c '
     mount --bind /proc "$0/proc" && mount --bind /dev "$0/dev" &&
       exec chroot "$0" /usr/bin/env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-        ZELM_CMAKE_OPTIONS="$2" \
-        bash -c "cd /zelm_imageutil && $1"' "$root" "$1" "${ZELM_CMAKE_OPTIONS:-}"
+        ZELM_CMAKE_OPTIONS="$2" ZELM_TEST_STEP="$3" \
+        bash -c "cd /zelm_imageutil && $1"' "$root" "$1" "${ZELM_CMAKE_OPTIONS:-}" \
+    "${ZELM_TEST_STEP:-1}"
 }
 
 for command in "${commands[@]}"; do
