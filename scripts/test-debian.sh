@@ -2,8 +2,9 @@
 # Runs the two commands of the README in a fresh clone of what is committed, on a bare
 # Debian of its own: a chroot with g++, make and git, where the scripts install the rest.
 #   scripts/test-debian.sh [12|13] [demo|test]...    by default 13, demo and test
-# What ZELM_CMAKE_OPTIONS holds goes to CMake, ZELM_TEST_STEP to the tests. As root; the chroot is made anew in
-# build-debian13/ (or 12) each time. Ends with 77 where no chroot can be made.
+# What ZELM_CMAKE_OPTIONS holds goes to CMake, ZELM_TEST_STEP to the tests. As root; the
+# chroot is made anew in build-debian13/ (or 12) each time. Ends with 77 where no chroot
+# can be made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
