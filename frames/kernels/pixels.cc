@@ -159,11 +159,7 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-namespace zelm {
-
-RepackPixels* repackKernel(size_t pixels) {
+zelm::RepackPixels* zelm::repackKernel(size_t pixels) {
   return ZELM_KERNEL_FOR(repackRow, 2 * pixels);
 }
-
-}  // namespace zelm
 #endif  // HWY_ONCE

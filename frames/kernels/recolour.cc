@@ -121,14 +121,11 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-namespace zelm {
-
-RecolourLuma* recolourLumaKernel(size_t pixels) {
+// A vector holds a byte of luma for each pixel, and two bytes for each pair.
+zelm::RecolourLuma* zelm::recolourLumaKernel(size_t pixels) {
   return ZELM_KERNEL_FOR(recolourLumaRow, pixels);
 }
-RecolourPairs* recolourPairsKernel(size_t pairs) {
+zelm::RecolourPairs* zelm::recolourPairsKernel(size_t pairs) {
   return ZELM_KERNEL_FOR(recolourPairsRow, 2 * pairs);
 }
-
-}  // namespace zelm
 #endif  // HWY_ONCE

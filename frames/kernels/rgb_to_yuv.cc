@@ -176,12 +176,8 @@ HWY_AFTER_NAMESPACE();
 #include "simd/vbmi_pass.h"
 
 #if HWY_ONCE
-namespace zelm {
-
-RgbToYuvRows* rgbToYuvKernel(size_t pixels) {
+zelm::RgbToYuvRows* zelm::rgbToYuvKernel(size_t pixels) {
   // Pixels of three bytes are read a little beyond those that are converted.
   return ZELM_KERNEL_FOR(rgbToYuvRows, pixels - pixels / 8);
 }
-
-}  // namespace zelm
 #endif  // HWY_ONCE

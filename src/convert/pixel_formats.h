@@ -9,22 +9,20 @@
 namespace zelm {
 namespace {
 
-struct Rgba8888 {
-  static constexpr size_t kPixelBytes = 4;
-  static inline void put(uint8_t* to, uint8_t r, uint8_t g, uint8_t b) {
-    to[0] = r;
-    to[1] = g;
-    to[2] = b;
-    to[3] = 255;
-  }
-};
-
 struct Rgb888 {
   static constexpr size_t kPixelBytes = 3;
   static inline void put(uint8_t* to, uint8_t r, uint8_t g, uint8_t b) {
     to[0] = r;
     to[1] = g;
     to[2] = b;
+  }
+};
+
+struct Rgba8888 {
+  static constexpr size_t kPixelBytes = 4;
+  static inline void put(uint8_t* to, uint8_t r, uint8_t g, uint8_t b) {
+    Rgb888::put(to, r, g, b);
+    to[3] = 255;
   }
 };
 
