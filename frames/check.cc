@@ -9,8 +9,6 @@
 namespace zelm {
 namespace {
 
-constexpr uint32_t kLargestSide = 65535;
-
 size_t absolute(ptrdiff_t stride) {
   const auto bits = static_cast<size_t>(stride);
   return stride < 0 ? size_t{0} - bits : bits;

@@ -10,6 +10,9 @@
 
 namespace zelm {
 
+// Sides of frames, in pixels, are 1 to this.
+constexpr uint32_t kLargestSide = 65535;
+
 // What is sampled how often.
 enum class Sampling { kGray, k420, k422, kRgb };
 

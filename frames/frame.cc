@@ -5,7 +5,6 @@ namespace {
 
 using namespace zelm;
 
-constexpr uint32_t kLargestSide = 65535;
 constexpr size_t kLargestAlignment = 4096;
 
 bool isAlignment(size_t alignment) {
