@@ -68,12 +68,12 @@ void expandRowSwapped(uint8_t* even, uint8_t* odd, const uint8_t* row,
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace zelm {
-
-ExpandRow* expandRowKernel(bool swap, size_t bytes) {
+zelm::ExpandRow* zelm::expandRowKernel(bool swap, size_t bytes) {
   return swap ? ZELM_KERNEL_FOR(expandRowSwapped, bytes)
               : ZELM_KERNEL_FOR(expandRowKept, bytes);
 }
+
+namespace zelm {
 
 static void expandFrame(const ImageStruct& dst, const ImageStruct& src, bool swap) {
   const Region luma = lumaRegion(src), lumaTo = lumaRegion(dst);
