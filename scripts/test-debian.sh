@@ -32,7 +32,8 @@ fi
 
 folder=$PWD/build-debian$release
 root=$folder/root
-rm -rf "$folder"
+# Never into a mount that a run which was stopped half-way may have left.
+rm -rf --one-file-system "$folder"
 mkdir -p "$folder"
 
 # The mirror that this machine installs from.
@@ -59,5 +60,5 @@ for command in "${commands[@]}"; do
   echo "== Debian $release: scripts/$command.sh"
   inside "bash scripts/$command.sh"
 done
-rm -rf "$folder"
+rm -rf --one-file-system "$folder"
 echo "== Debian $release: passed (${commands[*]})"
