@@ -3,28 +3,37 @@
 #include <cstdio>
 #include <new>
 
-#include "commands.h"
+#include "commands/commands.h"
 #include "failure.h"
-#include "output_file.h"
+#include "output/output_file.h"
 
 namespace {
 
+constexpr int kExitDifferent = 1;
 constexpr int kExitFailure = 2;
 
-void run(const zelm_tool::Options& options) {
+// Returns the exit status.
+int run(const zelm_tool::Options& options) {
   using zelm_tool::Command;
   switch (options.command) {
     case Command::kNone:
-      return;
+      break;
     case Command::kConvert:
-      return zelm_tool::runConvert(options.convert);
-    case Command::kRotate:
-      return zelm_tool::runRotate(options.rotate);
+      zelm_tool::runConvert(options.convert);
+      break;
     case Command::kTestcard:
-      return zelm_tool::runTestcard(options.testcard);
+      zelm_tool::runTestcard(options.testcard);
+      break;
     case Command::kFormats:
-      return zelm_tool::runFormats(options.formats);
+      zelm_tool::runFormats(options.formats);
+      break;
+    case Command::kInfo:
+      zelm_tool::runInfo(options.info);
+      break;
+    case Command::kCompare:
+      return zelm_tool::runCompare(options.compare) ? 0 : kExitDifferent;
   }
+  return 0;
 }
 
 // One line, whatever the texts in it hold.
@@ -41,9 +50,9 @@ int report(std::string text) {
 int main(int argc, char** argv) {
   zelm_tool::installSignalHandlers();
   try {
-    run(zelm_tool::parseOptions(argc, argv));
+    const int status = run(zelm_tool::parseOptions(argc, argv));
     zelm_tool::finishStandardOutput();
-    return 0;
+    return status;
   } catch (const std::bad_alloc&) {
     return report("not enough memory for frames of this size; a smaller one would do");
   } catch (const std::length_error&) {

@@ -1,0 +1,46 @@
+// Chooses the reader for an input by its first bytes.
+#include <algorithm>
+
+#include "failure.h"
+#include "input/foreign.h"
+#include "input/picture_frames.h"
+#include "input/raw_frames.h"
+#include "input/y4m_frames.h"
+
+namespace zelm_tool {
+namespace {
+
+// The beginning of a PPM is so short that raw frames may have it, too.
+bool isRawByName(const InputOptions& options) {
+  const std::string name = options.from.empty() ? suffixOf(options.path) : options.from;
+  return findFormat(name) != nullptr;
+}
+
+}  // namespace
+
+std::unique_ptr<FrameSource> openFrames(const InputOptions& options) {
+  auto source = std::make_unique<ByteSource>(options.path);
+  const size_t magic = sizeof kY4mMagic - 1;
+  const std::string_view start =
+      source->peek(std::max({magic, kForeignBytes, kPictureBytes}));
+  if (start.substr(0, magic) == kY4mMagic) {
+    return std::make_unique<Y4mFrames>(std::move(source), options);
+  }
+  if (beginsLikePng(start)) {
+    return std::make_unique<PngFrames>(std::move(source), options);
+  }
+  if (beginsLikePnm(start) && !isRawByName(options)) {
+    return std::make_unique<PnmFrames>(std::move(source), options);
+  }
+  refuseForeign(options.path, start);
+  const std::string from = lowerCase(options.from);
+  if (from == "y4m") {
+    fail(source->name(), " is no Y4M stream: it does not begin with ", kY4mMagic);
+  }
+  if (from == "png" || from == "ppm" || from == "pgm") {
+    fail(source->name(), " is no ", from, " picture: it begins with other bytes");
+  }
+  return std::make_unique<RawFrames>(std::move(source), options);
+}
+
+}  // namespace zelm_tool
