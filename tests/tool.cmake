@@ -10,8 +10,10 @@ if(TARGET zelm-imageutil)
   add_dependencies(tool_test zelm-imageutil)
   gtest_discover_tests(tool_test)
 
+  find_program(ZELM_BASH bash REQUIRED)
+  mark_as_advanced(ZELM_BASH)
   add_test(NAME tool_pages COMMAND ${CMAKE_COMMAND} -DTOOL=$<TARGET_FILE:zelm-imageutil>
     -DPAGE=${PROJECT_SOURCE_DIR}/docs/zelm-imageutil.1.in
-    -DCOMPLETION=${PROJECT_SOURCE_DIR}/tools/completion/zelm-imageutil
+    -DCOMPLETION=${PROJECT_SOURCE_DIR}/tools/completion/zelm-imageutil -DBASH=${ZELM_BASH}
     -P ${CMAKE_CURRENT_SOURCE_DIR}/tool_pages.cmake)
 endif()
