@@ -33,6 +33,8 @@ bool isPlausible(const std::vector<uint8_t>& file) {
   return (bits / 8 + 1) * bigEndian(&file[kHeight]) <= file.size() * kMostExpansion;
 }
 
+bool isCritical(const std::string& chunkType) { return (chunkType[0] & 0x20) == 0; }
+
 uint32_t formatOfPng(uint32_t flags) {
   const bool alpha = (flags & PNG_FORMAT_FLAG_ALPHA) != 0;
   if ((flags & PNG_FORMAT_FLAG_COLOR) != 0) return alpha ? ZELM_RGBA : ZELM_RGB24;
@@ -66,7 +68,8 @@ PngFrames::PngFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& opti
   setPicture(format, size);
 }
 
-// A PNG is read chunk by chunk, so that another one can follow.
+// A PNG is read chunk by chunk, so that another one can follow. Chunks that would change
+// what the samples mean, such as gamma, are left out: samples are taken as they are.
 bool PngFrames::readFile() {
   file_.clear();
   if (source().peek(1).empty()) return false;
@@ -77,8 +80,10 @@ bool PngFrames::readFile() {
   for (bool last = false; !last;) {
     const size_t chunk = file_.size();
     append(kChunkStart);
-    last = memcmp(&file_[chunk + 4], "IEND", 4) == 0;
+    const std::string type(reinterpret_cast<const char*>(&file_[chunk + 4]), 4);
+    last = type == "IEND";
     append(size_t{bigEndian(&file_[chunk])} + kChunkEnd);
+    if (!isCritical(type) && type != "tRNS") file_.resize(chunk);
   }
   if (file_.size() < kHeaderEnd || memcmp(&file_[12], "IHDR", 4) != 0 ||
       !isPlausible(file_)) {
@@ -107,6 +112,7 @@ const uint8_t* PngFrames::readFrame(Buffer* buffer) {
   if (png_image_begin_read_from_memory(&image, file_.data(), file_.size())) {
     setPicture(formatOf(formatOfPng(image.format)), {image.width, image.height});
     image.format = pngFormatOf(kind().format->code);
+    image.flags |= PNG_IMAGE_FLAG_16BIT_sRGB;
     pixels = buffer->reserve(kind().bytes());
     if (!png_image_finish_read(&image, nullptr, pixels, 0, nullptr)) pixels = nullptr;
   }

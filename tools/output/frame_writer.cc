@@ -15,25 +15,15 @@ class StreamWriter : public FrameWriter {
  public:
   StreamWriter(const Target& target, int input, const std::string& start,
                std::string before)
-      : FrameWriter(std::move(before)),
-        file_(target.path, input),
-        startBytes_(start.size()) {
+      : FrameWriter(std::move(before)), file_(target.path, input) {
     file_.write(start.data(), start.size());
   }
 
-  bool takesAnyOrder() const override { return file_.takesAnyOrder(); }
-  void write(Piece piece, uint64_t index, uint64_t) override {
-    if (takesAnyOrder()) {
-      file_.writeAt(startBytes_ + index * piece.size, piece.data, piece.size);
-    } else {
-      file_.write(piece.data, piece.size);
-    }
-  }
+  void write(Piece piece, uint64_t) override { file_.write(piece.data, piece.size); }
   void finish() override { file_.commit(); }
 
  private:
   OutputFile file_;
-  const uint64_t startBytes_;
 };
 
 // A file for every frame.
@@ -42,7 +32,7 @@ class NumberedWriter : public FrameWriter {
   NumberedWriter(Target target, int input, std::string before)
       : FrameWriter(std::move(before)), target_(std::move(target)), input_(input) {}
 
-  void write(Piece piece, uint64_t, uint64_t number) override {
+  void write(Piece piece, uint64_t number) override {
     OutputFile file(numberedName(target_, number), input_);
     file.write(piece.data, piece.size);
     file.commit();
@@ -88,7 +78,7 @@ class Md5Writer : public FrameWriter {
     own->assign(line.begin(), line.end());
     return {own->data(), own->size()};
   }
-  void write(Piece line, uint64_t, uint64_t) override {
+  void write(Piece line, uint64_t) override {
     file_.write(line.data, line.size);
   }
   void finish() override { file_.commit(); }

@@ -19,8 +19,8 @@ struct Piece {
   size_t size;
 };
 
-// Frames are encoded by any threads at the same time, and then written: in order unless
-// the writer takes them as they come.
+// Frames are encoded by any threads at the same time, and then written in order: the
+// system writes to a file for one thread at a time, so more would only wait.
 class FrameWriter {
  public:
   virtual ~FrameWriter() = default;
@@ -30,10 +30,7 @@ class FrameWriter {
   // What is to be written of a frame: the frame with what lies before it, or something
   // that is put into `own`. `number` counts from 1 on, with the input's first number.
   virtual Piece encode(Piece frame, uint64_t number, std::vector<uint8_t>* own) const;
-  // Whether write() may be called in any order and by several threads.
-  virtual bool takesAnyOrder() const { return false; }
-  // `index` counts what is written, from 0 on; `number` is as for encode().
-  virtual void write(Piece piece, uint64_t index, uint64_t number) = 0;
+  virtual void write(Piece piece, uint64_t number) = 0;
   // Makes the output visible under its name.
   virtual void finish() = 0;
 

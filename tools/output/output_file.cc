@@ -129,19 +129,6 @@ void OutputFile::write(const void* data, size_t count) {
   }
 }
 
-void OutputFile::writeAt(uint64_t offset, const void* data, size_t count) {
-  const char* from = static_cast<const char*>(data);
-  while (count > 0) {
-    const ssize_t written =
-        pwrite(descriptor_, from, count, static_cast<off_t>(offset));
-    if (written < 0 && errno != EINTR) failWriting();
-    if (written <= 0) continue;
-    from += written;
-    offset += static_cast<uint64_t>(written);
-    count -= static_cast<size_t>(written);
-  }
-}
-
 void OutputFile::commit() {
   if (standard_) return;
   const int descriptor = descriptor_;

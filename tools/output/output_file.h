@@ -21,10 +21,6 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   void write(const void* data, size_t count);
-  // Whether writeAt() works: for files of its own.
-  bool takesAnyOrder() const { return !temporary_.empty(); }
-  // Writes to a place in the file; to be called by any thread.
-  void writeAt(uint64_t offset, const void* data, size_t count);
   void commit();
 
  private:

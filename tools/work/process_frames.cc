@@ -118,13 +118,11 @@ class Stream {
       }
       places_->leave();
     }
-    const bool early = writer_.takesAnyOrder();
-    if (early) write(slot, piece);
     {
       std::unique_lock<std::mutex> lock(writing_);
       turn_.wait(lock, [&] { return written_ == slot->index || failure_ != nullptr; });
       if (failure_ != nullptr) return false;
-      if (!early) write(slot, piece);
+      write(slot, piece);
       failure_ = slot->failure;
       ++written_;
       if (!failure_) progress_.countFrame();
@@ -165,7 +163,7 @@ class Stream {
   void write(Slot* slot, Piece piece) {
     if (slot->failure) return;
     try {
-      writer_.write(piece, slot->index, firstNumber_ + slot->index);
+      writer_.write(piece, firstNumber_ + slot->index);
     } catch (...) {
       slot->failure = std::current_exception();
     }
