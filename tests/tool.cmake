@@ -1,9 +1,12 @@
 # The tests of the program zelm-imageutil, end to end.
 if(TARGET zelm-imageutil)
   find_package(PNG REQUIRED)
-  add_executable(tool_test tool_test.cc tool_process.cc)
+  find_package(Threads REQUIRED)
+  add_executable(tool_test tool_process.cc tool_frames.cc
+    tool_colours_test.cc tool_errors_test.cc tool_formats_test.cc tool_geometry_test.cc
+    tool_process_test.cc tool_reports_test.cc tool_y4m_test.cc)
   target_link_libraries(tool_test PRIVATE
-    zelm_imageutil_static PNG::PNG GTest::gtest GTest::gtest_main)
+    zelm_frames_static PNG::PNG GTest::gtest_main Threads::Threads)
   target_compile_definitions(tool_test PRIVATE
     ZELM_TOOL="$<TARGET_FILE:zelm-imageutil>")
   zelm_warnings(tool_test)
