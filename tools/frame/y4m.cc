@@ -64,7 +64,10 @@ Y4mHeader::Y4mHeader(const std::string& input, const std::string& line)
     } else if (tag[0] == 'H') {
       size_.height = parseSide(input, tag);
     } else {
-      if (tag[0] == 'C') format_ = &parseChroma(input, tag.substr(1));
+      if (tag[0] == 'C') {
+        format_ = &parseChroma(input, tag.substr(1));
+        remove("C");  // of several the last one holds
+      }
       tags_.push_back(tag);
     }
   }

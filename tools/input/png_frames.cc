@@ -33,6 +33,12 @@ bool isPlausible(const std::vector<uint8_t>& file) {
   return (bits / 8 + 1) * bigEndian(&file[kHeight]) <= file.size() * kMostExpansion;
 }
 
+// What libpng is reading; freed on every way out.
+struct Image : png_image {
+  Image() : png_image() { version = PNG_IMAGE_VERSION; }
+  ~Image() { png_image_free(this); }
+};
+
 bool isCritical(const std::string& chunkType) { return (chunkType[0] & 0x20) == 0; }
 
 uint32_t formatOfPng(uint32_t flags) {
@@ -56,20 +62,16 @@ bool beginsLikePng(std::string_view start) {
 PngFrames::PngFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options)
     : PictureFrames(std::move(bytes), options, "PNG") {
   readFile();
-  Buffer unused;
-  png_image image = {};
-  image.version = PNG_IMAGE_VERSION;
+  Image image;
   if (!png_image_begin_read_from_memory(&image, file_.data(), file_.size())) {
     fail(name(), ": the PNG picture is damaged: ", image.message);
   }
-  const Format& format = formatOf(formatOfPng(image.format));
-  const Size size = {image.width, image.height};
-  png_image_free(&image);
-  setPicture(format, size);
+  setPicture(formatOf(formatOfPng(image.format)), {image.width, image.height});
 }
 
-// A PNG is read chunk by chunk, so that another one can follow. Chunks that would change
-// what the samples mean, such as gamma, are left out: samples are taken as they are.
+// A PNG is read chunk by chunk, so that another one can follow. Chunks that would
+// change what the samples mean, such as gamma, are left out: samples are taken as they
+// are.
 bool PngFrames::readFile() {
   file_.clear();
   if (source().peek(1).empty()) return false;
@@ -106,8 +108,7 @@ void PngFrames::append(size_t count) {
 
 const uint8_t* PngFrames::readFrame(Buffer* buffer) {
   if (file_.empty() && !readFile()) return nullptr;
-  png_image image = {};
-  image.version = PNG_IMAGE_VERSION;
+  Image image;
   uint8_t* pixels = nullptr;
   if (png_image_begin_read_from_memory(&image, file_.data(), file_.size())) {
     setPicture(formatOf(formatOfPng(image.format)), {image.width, image.height});
