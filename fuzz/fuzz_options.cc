@@ -7,12 +7,37 @@
 
 #include "failure.h"
 #include "finding.h"
-#include "options.h"
+#include "options/options.h"
 
 namespace {
 
 using fuzz::check;
 using zelm_tool::Command;
+using zelm_tool::Options;
+
+void checkOptions(const Options& options, const std::vector<std::string>& arguments) {
+  bool asked = false;  // for help or the version
+  for (const std::string& argument : arguments) asked |= argument[0] == '-';
+  switch (options.command) {
+    case Command::kNone:
+      check(asked, "nothing was asked for");
+      break;
+    case Command::kConvert:
+      check(arguments.size() >= 3, "no input");
+      check(options.convert.out.threads <= 1024, "too many threads");
+      check(!options.convert.rotateCommand || asked, "no angle");
+      break;
+    case Command::kTestcard:
+      check(options.testcard.frames > 0, "no frame");
+      break;
+    case Command::kFormats:
+    case Command::kInfo:
+      break;
+    case Command::kCompare:
+      check(arguments.size() >= 4, "nothing to compare with");
+      break;
+  }
+}
 
 }  // namespace
 
@@ -36,14 +61,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   try {
-    const zelm_tool::Options options =
-        zelm_tool::parseOptions(static_cast<int>(arguments.size()), pointers.data());
-    if (options.command == Command::kTestcard) {
-      check(options.testcard.frames > 0, "no frame");
-    }
-    bool asked = false;  // for help or the version
-    for (const std::string& argument : arguments) asked |= argument[0] == '-';
-    check(options.command != Command::kNone || asked, "nothing was asked for");
+    checkOptions(
+        zelm_tool::parseOptions(static_cast<int>(arguments.size()), pointers.data()),
+        arguments);
   } catch (const zelm_tool::Failure& failure) {
     check(failure.what()[0] != '\0', "an empty message");
   }
