@@ -28,6 +28,13 @@ HWY_INLINE Vec<I16> pairWeights(bool uFirst, int u, int v) {
   return uFirst ? alternate(u, v) : alternate(v, u);
 }
 
+// What vectors of two blocks hold instead: a quarter of a vector of pixels in order.
+//   rb    R0 B0 R1 B1 R2 B2 ...      or B before R, where blue comes first
+//   g     .. G0 .. G1 .. G2 ...      the other lanes hold anything
+struct PixelChannels {
+  Vec<I16> rb, g;
+};
+
 // The weights of a description of colour, and what they make of half a vector of
 // pixels. `halfLeft` and `right` are the differences u and v of left and right pixels,
 // those of left ones halved, in the order of pairs; y is luma, yLeft and yRight that of
@@ -54,6 +61,13 @@ class Weights<true> {
             hn::Add(yRight, hn::MulFixedPoint15(right, rb_)),
             hn::Add(y, upperHalves(addPairProducts(half, halfLeft, g2),
                                    addPairProducts(half, right, g_)))};
+  }
+
+  // Of the differences u and v of pixels in order, and the luma of each of them, twice.
+  HWY_INLINE PixelChannels channels(Vec<I16> sums, Vec<I16> y) const {
+    const Vec<I32> half = hn::Set(i32, 1 << 15);
+    return {hn::Add(y, hn::MulFixedPoint15(sums, rb_)),
+            hn::Add(y, asI16(addPairProducts(half, sums, g_)))};
   }
 
  private:
@@ -84,6 +98,13 @@ class Weights<false> {
                         addPairProducts(right0, rightRb, b_)),
             upperHalves(addPairProducts(left0, halfLeft, hn::Add(g_, g_)),
                         addPairProducts(right0, right, g_))};
+  }
+
+  HWY_INLINE PixelChannels channels(Vec<I16> sums, Vec<I16> y) const {
+    const Vec<I32> y0 = addPairProducts(black_, hn::ShiftLeft<2>(y), yLeft_);
+    const Vec<I16> rb = hn::Mul(sums, factors_);
+    return {upperHalves(addPairProducts(y0, rb, r_), addPairProducts(y0, rb, b_)),
+            asI16(addPairProducts(y0, sums, g_))};
   }
 
  private:
@@ -173,7 +194,7 @@ HWY_INLINE Vec<U8> words565(Vec<U8> rb, Vec<U8> g0) {
   return asU8(hn::Or3(r, g, hn::And(asU16(rb), hn::Set(u16, 0xF800))));
 }
 
-#if !ZELM_VBMI
+#if HWY_TARGET != HWY_AVX2 && !ZELM_VBMI
 HWY_INLINE void storePixels(Rgba8888, uint8_t* to, const RgbBytes& c) {
   const Vec<U8> alpha = hn::Set(u8, 255), g = splitTwice(c.g);
   const Vec<U16> left = asU16(splitTwice(c.rbLeft));
@@ -228,25 +249,38 @@ HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
+#include "convert/yuv_to_rgb_avx2-inl.h"
 #include "convert/yuv_to_rgb_vbmi-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
+#if HWY_TARGET != HWY_AVX2
+template <class Format, class Kernel>
+HWY_INLINE void convertPixels(Format format, uint8_t* to, const Kernel& kernel,
+                              const uint8_t* luma, size_t at) {
+  storePixels(format, to, kernel.pixels(luma, at));
+}
+#endif
+
 template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
                                 const ChromaRows& chroma, size_t pairs,
                                 const YuvToRgb& colour, bool blueFirst) {
   const Weights<kIsBt601Full> weights(colour, chroma);
+#if HWY_TARGET != HWY_AVX2
   const RgbKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
+#else
+  const PixelKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
+#endif
   constexpr size_t kPairs = kBytes / 2;
   if (pairs < kPairs) return 0;
   // Unlike inBlocks, this calls the kernel in one place, and so the compiler inlines
   // it.
   for (size_t j = 0; j < pairs; j += kPairs) {
     const size_t at = 2 * (j < pairs - kPairs ? j : pairs - kPairs);
-    storePixels(Format(), to + at * Format::kPixelBytes, kernel.pixels(luma, at));
+    convertPixels(Format(), to + at * Format::kPixelBytes, kernel, luma, at);
   }
   return pairs;
 }

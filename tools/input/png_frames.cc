@@ -68,8 +68,9 @@ PngFrames::PngFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& opti
   setPicture(format, size);
 }
 
-// A PNG is read chunk by chunk, so that another one can follow. Chunks that would change
-// what the samples mean, such as gamma, are left out: samples are taken as they are.
+// A PNG is read chunk by chunk, so that another one can follow. Chunks that would
+// change what the samples mean, such as gamma, are left out: samples are taken as they
+// are.
 bool PngFrames::readFile() {
   file_.clear();
   if (source().peek(1).empty()) return false;
