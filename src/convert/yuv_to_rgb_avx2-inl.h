@@ -1,5 +1,13 @@
-// YUV to packed RGB with AVX2: pixels in order from the start.
-// Included by yuv_to_rgb_x86-inl.h.
+// YUV to packed RGB with AVX2, by chroma rows that are expanded once. Included by
+// yuv_to_rgb_x86-inl.h.
+//
+// A chroma row serves four luma rows: two of its own and one above and below, and each
+// time its pairs would have to be spread to pixels. Instead they become sums of two
+// samples for every pixel, u and v side by side as 16 bits, less 256:
+//   left pixels   2 c - 256         right pixels   c + next - 256
+// A luma row takes one of u and v from its own sums twice, and the other from its own
+// and the other row's. As pixels are in order from there on, one saturating narrow and
+// one shuffle make them.
 #include <cstring>
 
 #if HWY_TARGET == HWY_AVX2
@@ -8,149 +16,133 @@ HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
-// Computes in the order of pixels, so that one saturating narrow and one shuffle make
-// them. With two blocks to a vector that takes 0.85 to 0.95 of the time of separating
-// left and right pixels; with one it takes more, and with four the loads below would
-// not reach.
-template <class Weights>
-class PixelKernel {
- public:
-  static constexpr size_t kPixels = kBytes / 4;  // of a vector
+constexpr size_t kVectorPixels = kBytes / 4;
+constexpr size_t kVectorPairs = kVectorPixels / 2;
+constexpr size_t kReach = kBytes / 2 / 2;  // pairs that a load takes
 
-  HWY_INLINE PixelKernel(const ChromaRows& chroma, const Weights& weights,
-                         bool blueFirst)
-      : chroma_(chroma),
-        weights_(weights),
-        redFirst_(weights.firstIsBlue(chroma) == blueFirst),
-        ownWeights_(
-            hn::BitCast(i8, hn::Set(u32, chroma.loneFirst ? 0x01010202 : 0x02020101))),
-        otherWeights_(hn::BitCast(
-            i8, hn::Set(u32, chroma.loneFirst ? 0x01010000 : 0x00000101))) {}
+// Which bytes of 16 are added for a vector of pixels.
+struct SumPicks {
+  alignas(kBytes) uint8_t bytes[kBytes];
 
-  // Whether R, or what stands in its place, is the lower lane of rb.
-  bool redFirst() const { return redFirst_; }
-
-  // Vector kVector of the kBytes pixels that begin with `at`.
-  template <size_t kVector>
-  HWY_INLINE PixelChannels pixels(const uint8_t* luma, size_t at) const {
-    // Vectors begin with the same block of 16 bytes in all their blocks. It ends with
-    // the pair behind the last pixel, or with the last pixel, where it would end later.
-    constexpr size_t kStart = kVector * kPixels;
-    constexpr size_t kPairsBack = kStart + 16 > kBytes + 2 ? kStart + 14 - kBytes : 0;
-    constexpr size_t kLumaBack = kStart + 16 > kBytes ? kStart + 16 - kBytes : 0;
-    static constexpr Picks kPicks(kPairsBack, kLumaBack);
-    const size_t pairs = at + kStart - kPairsBack;
-    const Vec<U8> pick = load(kPicks.pairs);
-    const Vec<I16> own = pairProducts8(
-        pickInBlocks(hn::LoadDup128(u8, chroma_.own + pairs), pick), ownWeights_);
-    const Vec<I16> other = pairProducts8(
-        pickInBlocks(hn::LoadDup128(u8, chroma_.other + pairs), pick), otherWeights_);
-    const Vec<U8> y = pickInBlocks(hn::LoadDup128(u8, luma + at + kStart - kLumaBack),
-                                   load(kPicks.luma));
-    return weights_.channels(hn::Sub(hn::Add(own, other), hn::Set(i16, 512)), asI16(y));
-  }
-
- private:
-  // Which bytes make a pixel: those of its own pair twice, or of its own and the next;
-  // its luma for both of its lanes.
-  struct Picks {
-    alignas(64) uint8_t pairs[kBytes];
-    alignas(64) uint8_t luma[kBytes];
-
-    constexpr Picks(size_t pairsBack, size_t lumaBack) : pairs(), luma() {
-      for (size_t pixel = 0; pixel < kPixels; ++pixel) {
-        for (size_t byte = 0; byte < 2; ++byte) {
-          const size_t own = pairsBack + pixel / 2 * 2 + byte;
-          pairs[4 * pixel + 2 * byte] = static_cast<uint8_t>(own);
-          pairs[4 * pixel + 2 * byte + 1] = static_cast<uint8_t>(own + pixel % 2 * 2);
-          luma[4 * pixel + 2 * byte] = static_cast<uint8_t>(lumaBack + pixel);
-          luma[4 * pixel + 2 * byte + 1] = 128;
-        }
+  constexpr SumPicks() : bytes() {
+    for (size_t pixel = 0; pixel < kVectorPixels; ++pixel) {
+      for (size_t byte = 0; byte < 2; ++byte) {
+        const size_t own = pixel / 2 * 2 + byte;
+        bytes[4 * pixel + 2 * byte] = static_cast<uint8_t>(own);
+        bytes[4 * pixel + 2 * byte + 1] = static_cast<uint8_t>(own + pixel % 2 * 2);
       }
     }
-  };
-
-  const ChromaRows& chroma_;
-  const Weights weights_;
-  bool redFirst_;
-  Vec<I8> ownWeights_, otherWeights_;
+  }
 };
 
-// The bytes of pixels in order, from R and B in one vector and G and 255 in another,
-// narrowed: block by block four pixels' R and B, then their G.
+void expandChroma(int16_t* sums, const uint8_t* pairs, size_t pixels, RowEnds ends) {
+  static constexpr SumPicks kPicks;
+  const size_t count = (pixels + 1) / 2;
+  const size_t inner = ends.last ? count - 1 : count;  // have a pair behind them
+  const auto expand = [&](size_t pair, size_t back) HWY_ATTR {
+    const Vec<U8> pick =
+        hn::Add(load(kPicks.bytes), hn::Set(u8, static_cast<uint8_t>(2 * back)));
+    const Vec<U8> bytes = hn::LoadDup128(u8, pairs + 2 * (pair - back));
+    const Vec<I16> sum = asI16(pairSums(pickInBlocks(bytes, pick)));
+    hn::StoreU(hn::Sub(sum, hn::Set(i16, 256)), i16, sums + 4 * pair);
+  };
+  size_t pair = 0;
+  for (; pair + kReach <= inner + 1; pair += kVectorPairs) expand(pair, 0);
+  // The last loads end with the row.
+  for (; pair < inner; pair += kVectorPairs) {
+    if (pair + kVectorPairs > inner) pair = inner - kVectorPairs;
+    expand(pair, pair + kReach - (inner + 1));
+  }
+  if (ends.first) memcpy(sums + 2, sums, 4);
+  if (ends.last) {
+    int16_t* end = sums + 4 * (count - 1);
+    for (size_t i = 0; i < 4; ++i) {
+      end[i] = static_cast<int16_t>(2 * pairs[2 * (count - 1) + i % 2] - 256);
+    }
+  }
+}
+
+// The luma of a vector of pixels, each twice.
+HWY_INLINE Vec<I16> lumaTwice(const uint8_t* luma) {
+  alignas(kBytes) static constexpr uint8_t kTwice[kBytes] = {
+      0, 128, 0, 128, 1, 128, 1, 128, 2, 128, 2, 128, 3, 128, 3, 128,
+      4, 128, 4, 128, 5, 128, 5, 128, 6, 128, 6, 128, 7, 128, 7, 128};
+  uint64_t eight;
+  memcpy(&eight, luma, sizeof eight);
+  const Vec<U8> bytes = asU8(hn::Set(hn::Repartition<uint64_t, U8>(), eight));
+  return asI16(pickInBlocks(bytes, load(kTwice)));
+}
+
+// The bytes of pixels from R and B of four of them, and then 255 and G. `redFirst`
+// tells whether R, or what stands in its place, comes before B.
 template <class Format>
-HWY_INLINE Vec<U8> orderOfPixels(bool redFirst) {
+HWY_INLINE Vec<U8> packPixels(const PixelChannels& c, bool redFirst) {
   constexpr uint8_t z = 128;
-  alignas(16) static constexpr uint8_t kRgba[2][16] = {
+  alignas(16) static constexpr uint8_t kFour[2][16] = {
       {1, 9, 0, 8, 3, 11, 2, 10, 5, 13, 4, 12, 7, 15, 6, 14},
       {0, 9, 1, 8, 2, 11, 3, 10, 4, 13, 5, 12, 6, 15, 7, 14}};
-  alignas(16) static constexpr uint8_t kRgb[2][16] = {
+  alignas(16) static constexpr uint8_t kThree[2][16] = {
       {1, 9, 0, 3, 11, 2, 5, 13, 4, 7, 15, 6, z, z, z, z},
       {0, 9, 1, 2, 11, 3, 4, 13, 5, 6, 15, 7, z, z, z, z}};
-  const auto& orders = Format::kPixelBytes == 4 ? kRgba : kRgb;
-  return everyBlock(orders[redFirst]);
+  const Vec<I16> alphaAndG = hn::OddEven(c.g, hn::Set(i16, INT16_MAX));
+  return pickInBlocks(
+      packInBlocks(c.rb, alphaAndG),
+      everyBlock((Format::kPixelBytes == 4 ? kFour : kThree)[redFirst]));
 }
 
-HWY_INLINE Vec<U8> packPixels(const PixelChannels& c, Vec<U8> order) {
-  const Vec<I16> ga = hn::OddEven(c.g, hn::Set(i16, 0x7FFF));
-  return pickInBlocks(packInBlocks(c.rb, ga), order);
+HWY_INLINE void storeTwo(Rgba8888, uint8_t* to, const PixelChannels& a,
+                         const PixelChannels& b, bool redFirst) {
+  store(packPixels<Rgba8888>(a, redFirst), to);
+  store(packPixels<Rgba8888>(b, redFirst), to + kBytes);
 }
 
-template <class Kernel>
-HWY_INLINE void convertPixels(Rgba8888, uint8_t* to, const Kernel& kernel,
-                              const uint8_t* luma, size_t at) {
-  const Vec<U8> order = orderOfPixels<Rgba8888>(kernel.redFirst());
-  store(packPixels(kernel.template pixels<0>(luma, at), order), to);
-  store(packPixels(kernel.template pixels<1>(luma, at), order), to + kBytes);
-  store(packPixels(kernel.template pixels<2>(luma, at), order), to + 2 * kBytes);
-  store(packPixels(kernel.template pixels<3>(luma, at), order), to + 3 * kBytes);
+// A block holds 12 bytes. All but the last one are stored with four bytes more, where
+// the next one comes.
+HWY_INLINE void storeTwo(Rgb888, uint8_t* to, const PixelChannels& a,
+                         const PixelChannels& b, bool redFirst) {
+  const hn::Half<U8> block;
+  const Vec<U8> first = packPixels<Rgb888>(a, redFirst);
+  const Vec<U8> second = packPixels<Rgb888>(b, redFirst);
+  const auto last = hn::UpperHalf(block, second);
+  hn::StoreU(hn::LowerHalf(first), block, to);
+  hn::StoreU(hn::UpperHalf(block, first), block, to + 12);
+  hn::StoreU(hn::LowerHalf(second), block, to + 24);
+  hn::StoreU(hn::LowerHalf(last), hn::Full64<uint8_t>(), to + 36);
+  const uint32_t end = hn::ExtractLane(hn::BitCast(hn::Full128<uint32_t>(), last), 2);
+  memcpy(to + 44, &end, sizeof end);
 }
 
-// Stores 12 bytes of each block, one behind the other. All but the last vector of a row
-// may reach further, where the next one is stored.
-template <bool kLast>
-HWY_INLINE void storeTriples(Vec<U8> v, uint8_t* to) {
-  const hn::Full128<uint8_t> block;
-  const auto put = [&](auto pixels, uint8_t* at, bool last) HWY_ATTR {
-    if (last) {
-      hn::StoreU(hn::LowerHalf(pixels), hn::Full64<uint8_t>(), at);
-      const uint32_t end =
-          hn::ExtractLane(hn::BitCast(hn::Full128<uint32_t>(), pixels), 2);
-      memcpy(at + 8, &end, 4);
-    } else {
-      hn::StoreU(pixels, block, at);
-    }
+HWY_INLINE void storeTwo(Rgb565, uint8_t* to, const PixelChannels& a,
+                         const PixelChannels& b, bool redFirst) {
+  Vec<U8> rb = packInBlocks(a.rb, b.rb);
+  if (!redFirst) rb = swapPairs(rb);
+  store(joinBlocks(words565(rb, packInBlocks(a.g, b.g))), to);
+}
+
+template <class Format, bool kIsBt601Full>
+void convertSums(uint8_t* to, const uint8_t* luma, const ChromaSums& chroma,
+                 size_t pixels, const YuvToRgb& colour, bool uFirst, bool blueFirst) {
+  const Weights<kIsBt601Full> weights(colour, uFirst);
+  const bool redFirst = weights.firstIsBlue(uFirst) == blueFirst;
+  const auto channels = [&](size_t x) HWY_ATTR {
+    const auto sums = [x](const int16_t* row)
+                          HWY_ATTR { return hn::LoadU(i16, row + 2 * x); };
+    return weights.channels(
+        hn::Add(sums(chroma.own), hn::OddEven(sums(chroma.second), sums(chroma.first))),
+        lumaTwice(luma + x));
   };
-  put(hn::LowerHalf(v), to, false);
-  put(hn::UpperHalf(hn::Half<U8>(), v), to + 12, kLast);
+  inBlocks(pixels, 2 * kVectorPixels, [&](size_t x) HWY_ATTR {
+    storeTwo(Format(), to + x * Format::kPixelBytes, channels(x),
+             channels(x + kVectorPixels), redFirst);
+  });
 }
 
-template <class Kernel>
-HWY_INLINE void convertPixels(Rgb888, uint8_t* to, const Kernel& kernel,
-                              const uint8_t* luma, size_t at) {
-  constexpr size_t kStep = 12 * kBlocks;
-  const Vec<U8> order = orderOfPixels<Rgb888>(kernel.redFirst());
-  storeTriples<false>(packPixels(kernel.template pixels<0>(luma, at), order), to);
-  storeTriples<false>(packPixels(kernel.template pixels<1>(luma, at), order),
-                      to + kStep);
-  storeTriples<false>(packPixels(kernel.template pixels<2>(luma, at), order),
-                      to + 2 * kStep);
-  storeTriples<true>(packPixels(kernel.template pixels<3>(luma, at), order),
-                     to + 3 * kStep);
-}
-
-template <class Kernel>
-HWY_INLINE void convertPixels(Rgb565, uint8_t* to, const Kernel& kernel,
-                              const uint8_t* luma, size_t at) {
-  const auto words = [&](const PixelChannels& a, const PixelChannels& b) HWY_ATTR {
-    Vec<U8> rb = packInBlocks(a.rb, b.rb);
-    if (!kernel.redFirst()) rb = swapPairs(rb);
-    return joinBlocks(words565(rb, packInBlocks(a.g, b.g)));
-  };
-  store(words(kernel.template pixels<0>(luma, at), kernel.template pixels<1>(luma, at)),
-        to);
-  store(words(kernel.template pixels<2>(luma, at), kernel.template pixels<3>(luma, at)),
-        to + kBytes);
+template <class Format, bool kBlueFirst>
+void rgbRowOfSums(uint8_t* to, const uint8_t* luma, const ChromaSums& chroma,
+                  size_t pixels, const YuvToRgb& colour, bool uFirst) {
+  (colour.bt601Full ? convertSums<Format, true>
+                    : convertSums<Format, false>)(to, luma, chroma, pixels, colour,
+                                                  uFirst, kBlueFirst);
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ HWY_INLINE Vec<I16> pairWeights(bool uFirst, int u, int v) {
   return uFirst ? alternate(u, v) : alternate(v, u);
 }
 
-// What vectors of two blocks hold instead: a quarter of a vector of pixels in order.
+// What sums of chroma give with luma: a quarter of a vector of pixels in order.
 //   rb    R0 B0 R1 B1 R2 B2 ...      or B before R, where blue comes first
 //   g     .. G0 .. G1 .. G2 ...      the other lanes hold anything
 struct PixelChannels {
@@ -47,11 +47,11 @@ class Weights;
 template <>
 class Weights<true> {
  public:
-  HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
-      : rb_(pairWeights(chroma.uFirst, colour.bu / 2, colour.rv / 2)),
-        g_(pairWeights(chroma.uFirst, -colour.gu, -colour.gv)) {}
+  HWY_INLINE Weights(const YuvToRgb& colour, bool uFirst)
+      : rb_(pairWeights(uFirst, colour.bu / 2, colour.rv / 2)),
+        g_(pairWeights(uFirst, -colour.gu, -colour.gv)) {}
 
-  static HWY_INLINE bool firstIsBlue(const ChromaRows& chroma) { return chroma.uFirst; }
+  static HWY_INLINE bool firstIsBlue(bool uFirst) { return uFirst; }
 
   HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y,
                                Vec<I16> yLeft, Vec<I16> yRight) const {
@@ -79,10 +79,10 @@ class Weights<true> {
 template <>
 class Weights<false> {
  public:
-  HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
-      : Weights(colour, chroma.uFirst, colour.bu > INT16_MAX ? 2 : 1) {}
+  HWY_INLINE Weights(const YuvToRgb& colour, bool uFirst)
+      : Weights(colour, uFirst, colour.bu > INT16_MAX ? 2 : 1) {}
 
-  static HWY_INLINE bool firstIsBlue(const ChromaRows&) { return false; }
+  static HWY_INLINE bool firstIsBlue(bool) { return false; }
 
   HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y, Vec<I16>,
                                Vec<I16>) const {
@@ -130,7 +130,7 @@ class RgbKernel {
   HWY_INLINE RgbKernel(const ChromaRows& chroma, const Weights& weights, bool blueFirst)
       : chroma_(chroma),
         weights_(weights),
-        swapsRb_(weights.firstIsBlue(chroma) != blueFirst),
+        swapsRb_(weights.firstIsBlue(chroma.uFirst) != blueFirst),
         rowWeights_(hn::BitCast(
             i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))) {}
 
@@ -194,7 +194,7 @@ HWY_INLINE Vec<U8> words565(Vec<U8> rb, Vec<U8> g0) {
   return asU8(hn::Or3(r, g, hn::And(asU16(rb), hn::Set(u16, 0xF800))));
 }
 
-#if HWY_TARGET != HWY_AVX2 && !ZELM_VBMI
+#if !ZELM_VBMI
 HWY_INLINE void storePixels(Rgba8888, uint8_t* to, const RgbBytes& c) {
   const Vec<U8> alpha = hn::Set(u8, 255), g = splitTwice(c.g);
   const Vec<U16> left = asU16(splitTwice(c.rbLeft));
@@ -249,38 +249,25 @@ HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
-#include "convert/yuv_to_rgb_avx2-inl.h"
 #include "convert/yuv_to_rgb_vbmi-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
-#if HWY_TARGET != HWY_AVX2
-template <class Format, class Kernel>
-HWY_INLINE void convertPixels(Format format, uint8_t* to, const Kernel& kernel,
-                              const uint8_t* luma, size_t at) {
-  storePixels(format, to, kernel.pixels(luma, at));
-}
-#endif
-
 template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
                                 const ChromaRows& chroma, size_t pairs,
                                 const YuvToRgb& colour, bool blueFirst) {
-  const Weights<kIsBt601Full> weights(colour, chroma);
-#if HWY_TARGET != HWY_AVX2
+  const Weights<kIsBt601Full> weights(colour, chroma.uFirst);
   const RgbKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
-#else
-  const PixelKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
-#endif
   constexpr size_t kPairs = kBytes / 2;
   if (pairs < kPairs) return 0;
   // Unlike inBlocks, this calls the kernel in one place, and so the compiler inlines
   // it.
   for (size_t j = 0; j < pairs; j += kPairs) {
     const size_t at = 2 * (j < pairs - kPairs ? j : pairs - kPairs);
-    convertPixels(Format(), to + at * Format::kPixelBytes, kernel, luma, at);
+    storePixels(Format(), to + at * Format::kPixelBytes, kernel.pixels(luma, at));
   }
   return pairs;
 }
@@ -288,5 +275,7 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#include "convert/yuv_to_rgb_avx2-inl.h"
 
 #endif  // ZELM_X86
