@@ -2,6 +2,7 @@
 #include "tool_process.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 namespace {
 
@@ -64,20 +66,49 @@ int ToolTest::waitFor(pid_t child) {
 
 std::string ToolTest::errors() const { return contents(errors_); }
 
-ToolResult ToolTest::run(const Args& args, const std::string& input) {
-  store(folder_ + ".in", input);
-  const int in = open((folder_ + ".in").c_str(), O_RDONLY | O_CLOEXEC);
+ToolResult ToolTest::runFrom(const Args& args, int in) {
   const int out =
       open((folder_ + ".out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   const int status = waitFor(start(args, in, out));
   close(in);
   close(out);
-  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_TRUE(WIFEXITED(status)) << status;
   return {WEXITSTATUS(status), contents(folder_ + ".out"), contents(errors_)};
 }
 
+ToolResult ToolTest::run(const Args& args, const std::string& input) {
+  store(folder_ + ".in", input);
+  return runFrom(args, open((folder_ + ".in").c_str(), O_RDONLY | O_CLOEXEC));
+}
+
+ToolResult ToolTest::runPiped(const Args& args, const std::string& input) {
+  int ends[2];
+  EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  std::thread writer([&] {
+    sigset_t closed;  // for this thread alone: the program starts with the usual action
+    sigemptyset(&closed);
+    sigaddset(&closed, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &closed, nullptr);
+    size_t written = 0;
+    while (written < input.size()) {
+      const ssize_t count =
+          write(ends[1], input.data() + written, input.size() - written);
+      if (count < 0) break;  // the program has ended
+      written += static_cast<size_t>(count);
+    }
+    close(ends[1]);
+  });
+  const ToolResult result = runFrom(args, ends[0]);
+  writer.join();
+  return result;
+}
+
 std::string ToolTest::runOk(const Args& args, const std::string& input) {
-  const ToolResult result = run(args, input);
+  Args quiet = args;
+  if (args[0] == "convert" || args[0] == "rotate" || args[0] == "testcard") {
+    quiet.insert(quiet.begin() + 1, "-q");
+  }
+  const ToolResult result = run(quiet, input);
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
   return result.out;
@@ -109,13 +140,4 @@ std::vector<std::string> ToolTest::files() const {
   }
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::string ToolTest::noise(size_t count, uint32_t seed) {
-  std::string bytes(count, '\0');
-  for (char& byte : bytes) {
-    seed = seed * 1664525u + 1013904223u;
-    byte = static_cast<char>(seed >> 24);
-  }
-  return bytes;
 }

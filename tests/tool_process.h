@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -25,7 +24,9 @@ class ToolTest : public ::testing::Test {
 
   // Runs the program with `input` as standard input.
   ToolResult run(const Args& args, const std::string& input = "");
-  // The same, expecting success; returns standard output.
+  // The same with a pipe as standard input, into which `input` is written.
+  ToolResult runPiped(const Args& args, const std::string& input);
+  // The same as run() and quietly, expecting success; returns standard output.
   std::string runOk(const Args& args, const std::string& input = "");
   // The same, expecting one line on standard error with `words`, status 2, nothing on
   // standard output and the same files in the folder as before.
@@ -41,10 +42,9 @@ class ToolTest : public ::testing::Test {
   void save(const std::string& name, const std::string& bytes) const;
   std::vector<std::string> files() const;
 
-  // Bytes that look like noise, the same for every run.
-  static std::string noise(size_t count, uint32_t seed = 1);
-
  private:
+  ToolResult runFrom(const Args& args, int in);
+
   std::string folder_;
   std::string errors_;  // the file for standard error, beside the folder
 };

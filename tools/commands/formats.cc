@@ -37,12 +37,12 @@ void runFormats(const FormatsOptions& options) {
   printf(
       "Every format can be read, and every one can become every other. Bytes of a "
       "frame\n"
-      "of %ux%u (another with --size):\n\n%-10s%12s  %-9s %s\n",
+      "of %ux%u (another with --size):\n\n%-10s%12s  %-13s%s\n",
       size.width, size.height, "name", "bytes", "also in", "layout");
   for (const Format& format : allFormats()) {
     print(format.name, 10);
     printf("%12zu  ", zelmFrameBytes(format.code, size.width, size.height, 1));
-    print(alsoIn(format), 10);
+    print(alsoIn(format), 13);
     print(format.about, 0);
     const char* before = "; also ";
     for (std::string_view alias : format.aliases) {

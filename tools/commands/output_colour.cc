@@ -69,7 +69,7 @@ std::string colourRemark(const ConvertOptions& options, const FrameSource& sourc
   InputColour written;
   written.colour = work.to.colour;
   written.rangeAssumed = !asked.range;
-  written.matrixAssumed = !asked.matrix && work.to.format->code != ZELM_GRAY8;
+  written.matrixAssumed = !asked.matrix;  // it says what luma is made of
   const std::string text = assumedText(written);
   if (text.empty()) return "";
   return "what is written has " + text + "; " +

@@ -49,15 +49,14 @@ void runTestcard(const TestcardOptions& options) {
   const Size size = parseSize("--size", options.size);
   requireFrameSize("--size", size);
   const Target target = chooseTarget(options.out, {});
-  CardFrames source(size, options.frames);
-  if (holdsOneFrame(target)) source.limitToOne();
-
   Work work;
-  work.from = source.kind();
   work.to.format = target.format;
   work.to.size = size;
-  work.to.colour = chooseOutputColour(options.out, target, source, size);
   work.to.requireMakeable();
+  CardFrames source(size, options.frames);
+  if (holdsOneFrame(target)) source.limitToOne();
+  work.from = source.kind();
+  work.to.colour = chooseOutputColour(options.out, target, source, size);
   work.threads = options.out.threads;
   work.quiet = options.out.quiet;
   const Y4mHeader header = describeY4m({}, options.out, target, work.to);

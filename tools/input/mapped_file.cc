@@ -43,6 +43,7 @@ void surviveBusErrors() {
 }  // namespace
 
 MappedFile::MappedFile(int descriptor) : descriptor_(descriptor) {
+  if (descriptor < 0) return;  // and errno still says why
   struct stat status;
   if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return;
   if (status.st_size <= 0 || static_cast<uint64_t>(status.st_size) > SIZE_MAX / 2)

@@ -15,7 +15,7 @@ PPM and PGM are known by their first bytes; anything else is raw frames, which n
 files of PNG, PPM or PGM, from 1 (with --frames FIRST:COUNT from FIRST + 1). A .ppm
 without a number holds all frames one after the other. Output appears when it is
 complete; of numbered pictures, those that were complete before an error stay. Names
-that begin with a dash stand behind --. An option's value may be FORMAT in upper case.
+that begin with a dash stand behind --. Names of formats may be in upper case.
 
 Exit status: 0; 1 of compare when the inputs differ; 2 with one line that says what was
 wrong.)";

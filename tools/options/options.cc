@@ -234,13 +234,13 @@ Options parseOptions(int argc, char** argv) {
   CLI::App app("Converts, scales and turns camera and video frames.", "zelm-imageutil");
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", std::string("zelm-imageutil ") + ZELM_VERSION);
-  app.footer(generalHelp());
   app.require_subcommand(1);
   addConvert(&app, &options.convert);
   addTestcard(&app, &options.testcard);
   addFormats(&app, &options.formats);
   addInfo(&app, &options.info);
   addCompare(&app, &options.compare);
+  app.footer(generalHelp());  // not of commands, which would have inherited it
   requireCommand(app, argc, argv);
   try {
     app.parse(argc, argv);
