@@ -51,6 +51,13 @@ struct Band {
     return PairRows(made, layers.pairs, layers.pairs ? layers.uFirst : target.uFirst(),
                     rect.row, recolours ? &route.recolour : nullptr, scratch);
   }
+  RgbRows rgbRows(bool uFirst) {
+    const size_t pixels = route.targetRegion.columns;
+    RgbRows rows(route.to->rgb, route.toRgb, uFirst, pixels);
+    const Region sums = scratch.take(sizeof(int16_t), RgbRows::scratchSize(pixels), 1);
+    rows.begin(pixels, {true, true}, reinterpret_cast<int16_t*>(sums.origin));
+    return rows;
+  }
   // A row of pairs without colour.
   const uint8_t* neutralPairs() {
     const Region row = scratch.take(2, halfUp(route.targetRegion.columns), 1);
@@ -111,26 +118,25 @@ void yuvToRgb(Band& band) {
   const Route& route = band.route;
   const Region luma = band.luma(nullptr);
   const Region to = band.target.lumaRows(band.first, band.rows);
-  const auto convert = rgbRowKernel(route.to->rgb, to.columns);
   if (!route.needsChroma) {
-    const uint8_t* pairs = band.neutralPairs();
+    RgbRows rows = band.rgbRows(true);
+    const PairRow pairs = {band.neutralPairs(), 0};
     for (size_t y = 0; y < band.rows; ++y) {
-      convert(to.row(y), luma.row(y), {pairs, pairs, true, true}, to.columns,
-              route.toRgb);
+      rows.makeRow(to.row(y), luma.row(y), pairs, pairs, true);
     }
     return;
   }
   const size_t shared = route.rowsShared(), all = route.chroma.result().rows;
   PairRows pairs =
       band.pairs(chromaRect(route, band.first, band.rows, shared - 1), false);
+  RgbRows rows = band.rgbRows(pairs.uFirst());
   for (size_t y = 0; y < band.rows; ++y) {
     const size_t k = (band.first + y) / shared;
-    const uint8_t* own = pairs.get(k);
     const bool upper = y % 2 == 0, partners = shared == 2 && k > 0 && k + 1 < all;
-    const uint8_t* other = !partners ? own : pairs.get(upper ? k - 1 : k + 1);
+    const size_t other = !partners ? k : upper ? k - 1 : k + 1;
     // Upper rows take V from above as well, lower ones U from below.
-    const ChromaRows rows = {own, other, pairs.uFirst(), pairs.uFirst() == upper};
-    convert(to.row(y), luma.row(y), rows, to.columns, route.toRgb);
+    rows.makeRow(to.row(y), luma.row(y), {pairs.get(k), k}, {pairs.get(other), other},
+                 pairs.uFirst() == upper);
   }
 }
 
@@ -288,6 +294,9 @@ size_t scratchFor(const Route& route, size_t first, size_t rows) {
   size_t bytes = layerScratch(route.luma, pixel, lumaRect(route, first, rows)) +
                  Target::scratchBytes(columns) + PairRows::scratchBytes(columns) +
                  4 * Scratch::bytesFor(columns + 1, 1);
+  if (route.to->isRgb()) {
+    bytes += Scratch::bytesFor(sizeof(int16_t) * RgbRows::scratchSize(columns), 1);
+  }
   if (route.needsChroma && !route.from->isRgb()) {
     // Planes of U and of V take as much as pairs, and the padding of one more.
     const Rect rect = chromaRect(route, first, rows, 1);

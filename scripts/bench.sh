@@ -17,6 +17,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
+# shellcheck source=scripts/processor.sh
+. scripts/processor.sh
 
 word=peers
 ceiling=all
@@ -48,22 +50,6 @@ build() {
   cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_BENCHMARKS=ON \
     -DZELM_BUILD_TESTS=OFF -DZELM_BUILD_TOOL=OFF
   cmake --build build-bench -j "$(nproc)" --target zelm-bench
-}
-
-# The highest instruction set that the library has kernels for and this machine runs.
-kind() {
-  local flag
-  for flag in avx512vbmi avx512bw avx2 sse4_2; do
-    grep -qw "$flag" /proc/cpuinfo || continue
-    case $flag in
-      avx512vbmi) echo avx512-vbmi ;;
-      avx512bw) echo avx512 ;;
-      sse4_2) echo sse4 ;;
-      *) echo $flag ;;
-    esac
-    return
-  done
-  uname -m
 }
 
 # measure FILE TABLE OPTION...: runs the program, keeps its values and shows a table of them.
@@ -102,13 +88,13 @@ beside_peers() {
   }'
 }
 
-measure_peers() { beside_peers "$(kind)"; }
+measure_peers() { beside_peers "$(processor_kind)"; }
 
-measure_frames() { beside_peers "$(kind)-frames" --frames; }
+measure_frames() { beside_peers "$(processor_kind)-frames" --frames; }
 
 measure_sets() {
   local name slow
-  name="$(kind)-instruction-sets"
+  name="$(processor_kind)-instruction-sets"
   measure "$name" sets --sets
   for _ in once twice; do
     slow=$(awk -v marked=1 -f bench/sets_table.awk "build-bench/$name.csv")

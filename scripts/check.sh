@@ -120,7 +120,7 @@ check_rooms() {
   local names='_mm[0-9]*_\w|\b__m(128|256|512)|\bv[a-z0-9]+(_[a-z0-9]+)*_[usp](8|16|32|64)\b'
   names+='|\bu?int(8|16|32|64)x[0-9]|\basm\b[^"]*"[^"]|\.raw\b|__builtin_(ia32|arm|neon)'
   names+='|\b(arm_neon|[a-z]*mmintrin|immintrin)\.h'
-  ! git ls-files src frames | grep -vE '_(x86|vbmi|neon|armv7)[-._]|/neon(_\w+)?\.h$' |
+  ! git ls-files src frames | grep -vE '_(x86|avx2|vbmi|neon|armv7)[-._]|/neon(_\w+)?\.h$' |
     xargs grep -nE "$names"
 }
 

@@ -389,7 +389,11 @@ TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
           uint8_t* made = toNoise.place(pixels * pixelBytes, guard, &random);
           const ChromaRows chroma = {own, pixels % 3 == 0 ? own : other,
                                      order / 2 % 2 == 0, random.below(2) == 0};
-          rgbRowKernel(format, pixels)(made, luma, chroma, pixels, colour);
+          std::vector<int16_t> scratch(RgbRows::scratchSize(pixels));
+          RgbRows rows(format, colour, chroma.uFirst, pixels);
+          rows.begin(pixels, {true, true}, scratch.data());
+          rows.makeRow(made, luma, {own, 4},
+                       {chroma.other, own == chroma.other ? 4u : 5u}, chroma.loneFirst);
           for (size_t x = 0; x < pixels; ++x) {
             uint32_t pixel = 0;
             for (size_t i = 0; i < pixelBytes; ++i) {

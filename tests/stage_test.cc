@@ -54,6 +54,26 @@ TEST(LargeFrames, EqualReference) {
   EXPECT_EQ(tried, 12);
 }
 
+// RGB is made in strips of columns where chroma is expanded first: one strip, one and a
+// pair, two whole ones, two and a pair.
+TEST(WideFrames, EqualReference) {
+  Random random(2);
+  int tried = 0;
+  for (const Stage& stage : stages()) {
+    if (std::string(stage.name).find("convYUV420SP_RGB") != 0) continue;
+    for (const int width : {4096, 4098, 8192, 8194}) {
+      for (const bool margins : {false, true}) {
+        const Sizes sizes = regionsOf(stage.fit, Size{width, 6}, {0, 0});
+        const Frame dst = makeFrame(stage.dst, stage.fit, sizes.dst, margins, &random);
+        const Frame src = makeFrame(stage.src, stage.fit, sizes.src, margins, &random);
+        ASSERT_TRUE(compare(callOf(stage), dst, src, kRandom, 1)) << width;
+        ++tried;
+      }
+    }
+  }
+  EXPECT_EQ(tried, 24);
+}
+
 INSTANTIATE_TEST_SUITE_P(, StageTest, testing::ValuesIn(stages()),
                          [](const auto& info) { return std::string(info.param.name); });
 

@@ -86,10 +86,20 @@ void rgbRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma, size_t p
        : convertRow<Format, false>)(to, luma, chroma, pixels, colour, kBlueFirst);
 }
 
-RgbRow* kernelOf(RgbLayout layout) {
-  RgbRow* const kernels[] = {rgbRow<Rgb888, false>,   rgbRow<Rgb888, true>,
-                             rgbRow<Rgba8888, false>, rgbRow<Rgba8888, true>,
-                             rgbRow<Rgb565, true>,    rgbRow<Rgb565, false>};
+template <class Format, bool kBlueFirst>
+constexpr RgbKernels kernelsFor() {
+#if HWY_TARGET == HWY_AVX2
+  return {rgbRow<Format, kBlueFirst>, expandChroma, rgbRowOfSums<Format, kBlueFirst>};
+#else
+  return {rgbRow<Format, kBlueFirst>, nullptr, nullptr};
+#endif
+}
+
+RgbKernels kernelsOf(RgbLayout layout) {
+  const RgbKernels kernels[] = {
+      kernelsFor<Rgb888, false>(),   kernelsFor<Rgb888, true>(),
+      kernelsFor<Rgba8888, false>(), kernelsFor<Rgba8888, true>(),
+      kernelsFor<Rgb565, true>(),    kernelsFor<Rgb565, false>()};
   return kernels[static_cast<int>(layout)];
 }
 
@@ -102,9 +112,48 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
+// Columns that are converted from top to bottom at a time, where chroma is expanded: so
+// many that three rows of sums fit the first-level cache.
+static constexpr size_t kStrip = 4096;
+
 // The last pair is left to plain code.
-RgbRow* rgbRowKernel(RgbLayout layout, size_t pixels) {
-  return ZELM_KERNEL_FOR(kernelOf, pixels - (pixels < 2 ? pixels : 2))(layout);
+RgbRows::RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels)
+    : kernels_(ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(layout)),
+      colour_(colour),
+      uFirst_(uFirst) {}
+
+void RgbRows::begin(size_t pixels, RowEnds ends, int16_t* scratch) {
+  pixels_ = pixels;
+  ends_ = ends;
+  if (!expands()) return;
+  for (size_t i = 0; i < 2; ++i) {
+    kept_[i] = scratch + i * (scratchSize(pixels) / 2);
+    number_[i] = SIZE_MAX;
+  }
+}
+
+const int16_t* RgbRows::sums(const PairRow& row) {
+  int16_t* kept = kept_[row.number % 2];
+  size_t& number = number_[row.number % 2];
+  if (number != row.number) {
+    kernels_.expand(kept, row.pairs, pixels_, ends_);
+    number = row.number;
+  }
+  return kept;
+}
+
+void RgbRows::makeRow(uint8_t* to, const uint8_t* luma, const PairRow& own,
+                      const PairRow& other, bool loneFirst) {
+  if (!expands()) {
+    kernels_.row(to, luma, {own.pairs, other.pairs, uFirst_, loneFirst}, pixels_,
+                 colour_);
+    return;
+  }
+  const int16_t *ownSums = sums(own), *otherSums = sums(other);
+  kernels_.rowOfSums(
+      to, luma,
+      {ownSums, loneFirst ? ownSums : otherSums, loneFirst ? otherSums : ownSums},
+      pixels_, colour_, uFirst_);
 }
 
 static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
@@ -115,18 +164,27 @@ static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
   if (chroma.empty()) return;
   const bool uFirst = src.format == FORMAT_YUV420SP;
   const size_t pixels = 2 * chroma.columns;
-  RgbRow* const convert = rgbRowKernel(layout, pixels);
+  RgbRows rows(layout, kBt601Full, uFirst, pixels);
+  alignas(64) int16_t scratch[RgbRows::scratchSize(kStrip)];
 
-  for (size_t k = 0; k < chroma.rows; ++k) {
-    const bool partners = k > 0 && k + 1 < chroma.rows;
-    const uint8_t* own = chroma.row(k);
-    const uint8_t* above = partners ? chroma.row(k - 1) : own;
-    const uint8_t* below = partners ? chroma.row(k + 1) : own;
-    // The upper row takes V from above as well, the lower one U from below.
-    convert(to.row(2 * k), luma.row(2 * k), {own, above, uFirst, uFirst}, pixels,
-            kBt601Full);
-    convert(to.row(2 * k + 1), luma.row(2 * k + 1), {own, below, uFirst, !uFirst},
-            pixels, kBt601Full);
+  size_t end;
+  for (size_t x = 0; x < pixels; x = end) {
+    // What would be left for the last strip is shared with the one before it.
+    const size_t left = pixels - x;
+    end = !rows.expands() || left <= kStrip ? pixels
+          : left < 2 * kStrip               ? x + left / 4 * 2
+                                            : x + kStrip;
+    rows.begin(end - x, {x == 0, end == pixels}, scratch);
+    for (size_t k = 0; k < chroma.rows; ++k) {
+      const bool partners = k > 0 && k + 1 < chroma.rows;
+      const PairRow own = {chroma.row(k) + x, k};
+      const PairRow above = partners ? PairRow{chroma.row(k - 1) + x, k - 1} : own;
+      const PairRow below = partners ? PairRow{chroma.row(k + 1) + x, k + 1} : own;
+      // The upper row takes V from above as well, the lower one U from below.
+      uint8_t* pixelsTo = to.row(2 * k) + x * pixelBytes(layout);
+      rows.makeRow(pixelsTo, luma.row(2 * k) + x, own, above, uFirst);
+      rows.makeRow(pixelsTo + to.stride, luma.row(2 * k + 1) + x, own, below, !uFirst);
+    }
   }
 }
 

@@ -28,6 +28,13 @@ HWY_INLINE Vec<I16> pairWeights(bool uFirst, int u, int v) {
   return uFirst ? alternate(u, v) : alternate(v, u);
 }
 
+// What sums of chroma give with luma: a quarter of a vector of pixels in order.
+//   rb    R0 B0 R1 B1 R2 B2 ...      or B before R, where blue comes first
+//   g     .. G0 .. G1 .. G2 ...      the other lanes hold anything
+struct PixelChannels {
+  Vec<I16> rb, g;
+};
+
 // The weights of a description of colour, and what they make of half a vector of
 // pixels. `halfLeft` and `right` are the differences u and v of left and right pixels,
 // those of left ones halved, in the order of pairs; y is luma, yLeft and yRight that of
@@ -40,11 +47,11 @@ class Weights;
 template <>
 class Weights<true> {
  public:
-  HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
-      : rb_(pairWeights(chroma.uFirst, colour.bu / 2, colour.rv / 2)),
-        g_(pairWeights(chroma.uFirst, -colour.gu, -colour.gv)) {}
+  HWY_INLINE Weights(const YuvToRgb& colour, bool uFirst)
+      : rb_(pairWeights(uFirst, colour.bu / 2, colour.rv / 2)),
+        g_(pairWeights(uFirst, -colour.gu, -colour.gv)) {}
 
-  static HWY_INLINE bool firstIsBlue(const ChromaRows& chroma) { return chroma.uFirst; }
+  static HWY_INLINE bool firstIsBlue(bool uFirst) { return uFirst; }
 
   HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y,
                                Vec<I16> yLeft, Vec<I16> yRight) const {
@@ -56,6 +63,13 @@ class Weights<true> {
                                    addPairProducts(half, right, g_)))};
   }
 
+  // Of the differences u and v of pixels in order, and the luma of each of them, twice.
+  HWY_INLINE PixelChannels channels(Vec<I16> sums, Vec<I16> y) const {
+    const Vec<I32> half = hn::Set(i32, 1 << 15);
+    return {hn::Add(y, hn::MulFixedPoint15(sums, rb_)),
+            hn::Add(y, asI16(addPairProducts(half, sums, g_)))};
+  }
+
  private:
   Vec<I16> rb_, g_;
 };
@@ -65,10 +79,10 @@ class Weights<true> {
 template <>
 class Weights<false> {
  public:
-  HWY_INLINE Weights(const YuvToRgb& colour, const ChromaRows& chroma)
-      : Weights(colour, chroma.uFirst, colour.bu > INT16_MAX ? 2 : 1) {}
+  HWY_INLINE Weights(const YuvToRgb& colour, bool uFirst)
+      : Weights(colour, uFirst, colour.bu > INT16_MAX ? 2 : 1) {}
 
-  static HWY_INLINE bool firstIsBlue(const ChromaRows&) { return false; }
+  static HWY_INLINE bool firstIsBlue(bool) { return false; }
 
   HWY_INLINE Channels channels(Vec<I16> halfLeft, Vec<I16> right, Vec<I16> y, Vec<I16>,
                                Vec<I16>) const {
@@ -84,6 +98,13 @@ class Weights<false> {
                         addPairProducts(right0, rightRb, b_)),
             upperHalves(addPairProducts(left0, halfLeft, hn::Add(g_, g_)),
                         addPairProducts(right0, right, g_))};
+  }
+
+  HWY_INLINE PixelChannels channels(Vec<I16> sums, Vec<I16> y) const {
+    const Vec<I32> y0 = addPairProducts(black_, hn::ShiftLeft<2>(y), yLeft_);
+    const Vec<I16> rb = hn::Mul(sums, factors_);
+    return {upperHalves(addPairProducts(y0, rb, r_), addPairProducts(y0, rb, b_)),
+            asI16(addPairProducts(y0, sums, g_))};
   }
 
  private:
@@ -109,7 +130,7 @@ class RgbKernel {
   HWY_INLINE RgbKernel(const ChromaRows& chroma, const Weights& weights, bool blueFirst)
       : chroma_(chroma),
         weights_(weights),
-        swapsRb_(weights.firstIsBlue(chroma) != blueFirst),
+        swapsRb_(weights.firstIsBlue(chroma.uFirst) != blueFirst),
         rowWeights_(hn::BitCast(
             i8, hn::Set(u32, chroma.loneFirst ? 0x01010002 : 0x00020101))) {}
 
@@ -238,7 +259,7 @@ template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
                                 const ChromaRows& chroma, size_t pairs,
                                 const YuvToRgb& colour, bool blueFirst) {
-  const Weights<kIsBt601Full> weights(colour, chroma);
+  const Weights<kIsBt601Full> weights(colour, chroma.uFirst);
   const RgbKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
   constexpr size_t kPairs = kBytes / 2;
   if (pairs < kPairs) return 0;
@@ -254,5 +275,7 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#include "convert/yuv_to_rgb_avx2-inl.h"
 
 #endif  // ZELM_X86

@@ -78,9 +78,7 @@ class Md5Writer : public FrameWriter {
     own->assign(line.begin(), line.end());
     return {own->data(), own->size()};
   }
-  void write(Piece line, uint64_t) override {
-    file_.write(line.data, line.size);
-  }
+  void write(Piece line, uint64_t) override { file_.write(line.data, line.size); }
   void finish() override { file_.commit(); }
 
  private:

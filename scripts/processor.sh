@@ -1,0 +1,18 @@
+# shellcheck shell=bash
+# Sourced by the scripts beside it that measure: what to call this machine's kind.
+
+# The highest instruction set that the library has kernels for and this machine runs.
+processor_kind() {
+  local flag
+  for flag in avx512vbmi avx512bw avx2 sse4_2; do
+    grep -qw "$flag" /proc/cpuinfo || continue
+    case $flag in
+      avx512vbmi) echo avx512-vbmi ;;
+      avx512bw) echo avx512 ;;
+      sse4_2) echo sse4 ;;
+      *) echo $flag ;;
+    esac
+    return
+  done
+  uname -m
+}
