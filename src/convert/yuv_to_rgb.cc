@@ -88,7 +88,7 @@ void rgbRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma, size_t p
 
 template <class Format, bool kBlueFirst>
 constexpr RgbKernels kernelsFor() {
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_X86 && HWY_TARGET == HWY_AVX2
   return {rgbRow<Format, kBlueFirst>, expandChroma, rgbRowOfSums<Format, kBlueFirst>};
 #else
   return {rgbRow<Format, kBlueFirst>, nullptr, nullptr};
