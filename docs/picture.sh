@@ -15,9 +15,9 @@ parts=()
 # can be joined row by row.
 part() {
   local wide=$(($2 + gap)) side=$work/side${#parts[@]}.nv21
-  "$tool" convert "$work/$1" "$work/part.nv21" "${@:3}" --filter cubic \
+  "$tool" convert "$work/$1" "$work/part.nv21" "${@:3}" --filter cubic --quiet \
     --resize "$2x$height" --canvas "${wide}x$height" --at "$gap,0"
-  "$tool" rotate "$work/part.nv21" "$side" --size "${wide}x$height" --angle 90
+  "$tool" rotate "$work/part.nv21" "$side" --size "${wide}x$height" --angle 90 --quiet
   parts+=("$side")
   width=$((width + wide))
   gap=8
@@ -31,9 +31,9 @@ join() {
 }
 
 "$tool" testcard "$work/card.nv21" --size 1280x720
-"$tool" rotate "$work/card.nv21" "$work/turned.nv21" --size 1280x720 --angle 90
+"$tool" rotate "$work/card.nv21" "$work/turned.nv21" --size 1280x720 --angle 90 --quiet
 part card.nv21 456 --size 1280x720
 part turned.nv21 144 --size 720x1280
 part card.nv21 256 --size 1280x720 --crop 550,34,180x180
 join "${parts[@]}" >"$work/all.nv21"
-"$tool" rotate "$work/all.nv21" docs/picture.png --size "${height}x$width" --angle 270
+"$tool" rotate "$work/all.nv21" docs/picture.png --size "${height}x$width" --angle 270 --quiet
