@@ -5,8 +5,6 @@
 #include "tool_frames.h"
 #include "tool_process.h"
 
-using std::string_literals::operator""s;
-
 namespace {
 
 constexpr double kBt601[] = {0.299, 0.114}, kBt709[] = {0.2126, 0.0722},
@@ -77,8 +75,8 @@ TEST_F(ToolTest, VideoBecomesRgb) {
 
 TEST_F(ToolTest, YuvIsWrittenWithTheColoursAskedFor) {
   const std::string limited = uniformY4m("", 8, 4, kYuv);
-  const std::string rgb = "P6 8 4 255\n"s + repeat("\xC8\x28\x5A", 32);
-  const std::string wide = "P6 1280 2 255\n"s + repeat("\xC8\x28\x5A", 2560);
+  const std::string rgb = "P6 8 4 255\n" + repeat("\xC8\x28\x5A", 32);
+  const std::string wide = "P6 1280 2 255\n" + repeat("\xC8\x28\x5A", 2560);
   struct Case {
     std::string input;
     std::string options;
@@ -125,7 +123,7 @@ TEST_F(ToolTest, AssumptionsAreSaidWhereTheyMatter) {
                     range = "limited range; --range says otherwise",
                     matrix = "BT.601; --matrix says otherwise",
                     both = " range and BT.601; --range and --matrix say otherwise",
-                    nothing = "";
+                    nothing;
   const std::string rawTo = "--from yuv420p --size 8x4 --to ";
   struct Case {
     std::string options, input, line;  // what follows the program's name

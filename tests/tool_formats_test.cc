@@ -4,8 +4,6 @@
 #include "tool_frames.h"
 #include "tool_process.h"
 
-using std::string_literals::operator""s;
-
 namespace {
 
 TEST_F(ToolTest, EveryFormatBecomesEveryOther) {
@@ -16,8 +14,8 @@ TEST_F(ToolTest, EveryFormatBecomesEveryOther) {
     const Picture second = {from.code, 7, 5, noise(from.bytes, 2)};
     for (const FormatCase& to : kFormats) {
       const Picture empty = blank(to.code, 7, 5);
-      EXPECT_TRUE(sameBytes(runOk("convert - - --size 7x5 --from "s + from.names[0] +
-                                      " --to " + to.names[0],
+      EXPECT_TRUE(sameBytes(runOk(std::string("convert - - --size 7x5 --from ") +
+                                      from.names[0] + " --to " + to.names[0],
                                   source.bytes + second.bytes),
                             converted(source, empty) + converted(second, empty)))
           << from.names[0] << ' ' << to.names[0];
@@ -26,7 +24,7 @@ TEST_F(ToolTest, EveryFormatBecomesEveryOther) {
       if (name == nullptr) break;
       save(std::string("in.") + name, source.bytes);
       EXPECT_TRUE(sameBytes(
-          runOk("convert "s + std::string("in.") + name + " - --size 7x5 --to " + name),
+          runOk(std::string("convert in.") + name + " - --size 7x5 --to " + name),
           converted(source, blank(from.code, 7, 5))))
           << name;
     }
@@ -41,9 +39,9 @@ TEST_F(ToolTest, FullRangeNv21GivesTheCoreLibrarysBytes) {
         {"nv16", FORMAT_YUV422SP},
         {"bgr565", FORMAT_RGB565},
         {"tiled", FORMAT_YUV420SPMB}}) {
-    EXPECT_TRUE(
-        sameBytes(runOk("convert - - --size 80x64 --from nv21 --to "s + name, card),
-                  convertedNv21(card, 80, 64, format)))
+    EXPECT_TRUE(sameBytes(
+        runOk(std::string("convert - - --size 80x64 --from nv21 --to ") + name, card),
+        convertedNv21(card, 80, 64, format)))
         << name;
   }
 }
@@ -67,7 +65,7 @@ TEST_F(ToolTest, RowPaddingIsDropped) {
       }
     }
     std::string args =
-        "convert - - --size 16x6 --from "s + c.format + " --to " + c.format;
+        std::string("convert - - --size 16x6 --from ") + c.format + " --to " + c.format;
     args += " --stride " + std::to_string(c.stride);
     EXPECT_TRUE(sameBytes(runOk(args, padded + padded), packed + packed)) << c.format;
     padded.erase(padded.find_last_not_of('#') + 1);  // like the buffers of cameras
@@ -107,7 +105,7 @@ TEST_F(ToolTest, PicturesAreRead) {
         Case{"ppm", "P6\n7 5\n255\n" + rgb, "rgb24", rgb},
         Case{"comments", "P6 # a\n#b\n 7\t5 # c 9\n\n255\n" + rgb, "rgb24", rgb},
         Case{"three", repeat("P5 7 5 255 " + gray, 3), "gray", repeat(gray, 3)}}) {
-    const std::string args = "convert - - --to "s + c.format;
+    const std::string args = std::string("convert - - --to ") + c.format;
     EXPECT_TRUE(sameBytes(runOk(args, c.file), c.pixels)) << c.what;
     const ToolResult piped = runPiped(args, c.file);
     EXPECT_TRUE(sameBytes(piped.out, c.pixels)) << c.what << piped.err;
@@ -190,7 +188,7 @@ TEST_F(ToolTest, NumbersAndRangesOfFrames) {
 
 TEST_F(ToolTest, DigestsInsteadOfAFile) {
   const std::string digest = "7319468847d7b1aee40dbf5dd963c999";
-  const std::string line = "1 "s + digest + "\n2 " + digest + "\n";
+  const std::string line = "1 " + digest + "\n2 " + digest + "\n";
   const std::string args = "convert - --size 2x2 --from nv12 --to nv12";
   const std::string zeros(12, '\0');
   EXPECT_EQ(runOk(args + " --md5", zeros), line);

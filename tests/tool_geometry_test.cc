@@ -5,8 +5,6 @@
 #include "tool_frames.h"
 #include "tool_process.h"
 
-using std::string_literals::operator""s;
-
 namespace {
 
 TEST_F(ToolTest, TurnsAndMirrorsAllPlanes) {
@@ -79,7 +77,8 @@ TEST_F(ToolTest, SizesFromEveryFormOfResize) {
                         Case{"32x20", "--rotate 90", "32 20"},
                         Case{"fit:32x32", "--canvas 40x50", "40 50"}}) {
     std::string args =
-        "convert - - --from gray --size 64x48 --to pgm --resize "s + c.resize;
+        std::string("convert - - --from gray --size 64x48 --to pgm --resize ") +
+        c.resize;
     args += " " + c.more;
     const std::string out = runOk(args, noise(64 * 48));
     EXPECT_EQ(out.substr(3, out.find('\n', 3) - 3), c.size) << c.resize << c.more;
@@ -111,7 +110,8 @@ TEST_F(ToolTest, ScaledLikeTheLibraries) {
              30}}) {
     for (const auto& [name, format] :
          {std::pair<const char*, uint32_t>{"nv12", ZELM_NV12}, {"rgb24", ZELM_RGB24}}) {
-      std::string args = "convert - - --from i420 --size 33x21 --to "s + name;
+      std::string args =
+          std::string("convert - - --from i420 --size 33x21 --to ") + name;
       args += " " + c.options;
       EXPECT_TRUE(sameBytes(runOk(args, card.bytes),
                             converted(card, blank(format, c.width, c.height), c.edit)))

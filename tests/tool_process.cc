@@ -46,6 +46,7 @@ pid_t ToolTest::start(const std::string& arguments, int in, int out) {
   std::istringstream words("zelm-imageutil " + arguments);
   std::vector<std::string> args{std::istream_iterator<std::string>(words), {}};
   std::vector<char*> argv;
+  argv.reserve(args.size() + 1);
   for (std::string& arg : args) argv.push_back(arg.data());
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;
@@ -112,7 +113,7 @@ ToolResult ToolTest::runPiped(const std::string& arguments, const std::string& i
     }
     close(ends[1]);
   });
-  const ToolResult result = runFrom(arguments, ends[0]);
+  ToolResult result = runFrom(arguments, ends[0]);
   writer.join();
   return result;
 }

@@ -2,8 +2,6 @@
 #include "tool_frames.h"
 #include "tool_process.h"
 
-using std::string_literals::operator""s;
-
 namespace {
 
 TEST_F(ToolTest, Y4mPlanesAndTags) {
@@ -17,7 +15,7 @@ TEST_F(ToolTest, Y4mPlanesAndTags) {
                                                         {"yuyv422", repeat("akav", 16)},
                                                         {"uyvy422", repeat("kava", 16)},
                                                         {"gray", y}}) {
-    EXPECT_EQ(runOk("convert - - --frames 1 --to "s + to, smallY4m()), expected) << to;
+    EXPECT_EQ(runOk("convert - - --frames 1 --to " + to, smallY4m()), expected) << to;
   }
   // Parameters of frames do not pass, tags of the stream do.
   std::string plain = smallY4m();
@@ -78,7 +76,7 @@ TEST_F(ToolTest, FrameRates) {
     EXPECT_EQ(firstLine(runOk(raw + fps, "yyyyuv")),
               "YUV4MPEG2 W2 H2 F" + tag + " Ip A1:1 C420jpeg XCOLORRANGE=FULL");
     EXPECT_EQ(
-        firstLine(runOk("convert - - --fps "s + fps, smallY4m())),
+        firstLine(runOk("convert - - --fps " + fps, smallY4m())),
         "YUV4MPEG2 W8 H4 F" + tag + " It A2:1 C420mpeg2 XTEST=1 XCOLORRANGE=LIMITED");
   }
   for (const char* wrong : {"0", "-1", "x", "25:0", "0:1", "25:", ":1", "1e3", "2.5.1",
