@@ -55,7 +55,7 @@ struct PngWriter {
         nullptr);
   }
   ~PngWriter() { png_destroy_write_struct(&png, &info); }
-  void write(std::string pixels, uint32_t height) {
+  void write(std::string pixels, uint32_t height) const {
     png_write_info(png, info);
     const size_t row = pixels.size() / height;
     for (uint32_t y = 0; y < height; ++y) png_write_row(png, bytesOf(pixels) + y * row);
@@ -160,9 +160,8 @@ std::string firstLine(const std::string& stream) {
                                      const std::string& expected) {
   if (actual == expected) return ::testing::AssertionSuccess();
   const size_t both = std::min(actual.size(), expected.size());
-  const size_t at = static_cast<size_t>(
-      std::mismatch(actual.begin(), actual.begin() + both, expected.begin()).first -
-      actual.begin());
+  size_t at = 0;
+  while (at < both && actual[at] == expected[at]) ++at;
   ::testing::AssertionResult result = ::testing::AssertionFailure();
   result << actual.size() << " bytes instead of " << expected.size()
          << ", the first other one is number " << at;

@@ -25,22 +25,15 @@ TEST_F(ToolTest, TurnsAndMirrorsAllPlanes) {
                {"yuv420p", y + u + v, luma + by(u, cw, ch, 1) + by(v, cw, ch, 1)},
                {"nv21", y + pairs, luma + by(pairs, cw, ch, 2)},
                {"rgb24", rgb, by(rgb, w, h, 3)}}) {
-        Args args = {"convert",
-                     "-",
-                     "-",
-                     "--from",
-                     format,
-                     "--to",
-                     format,
-                     "--size",
-                     "7x5",
-                     "--rotate",
-                     std::to_string(turn)};
-        if (mirror) args.push_back("--mirror");
-        EXPECT_TRUE(sameBytes(runOk(args, in), expected)) << format << turn << mirror;
-        args[0] = "rotate", args[9] = "--angle";
-        args.erase(args.begin() + 5, args.begin() + 7);  // the input's format
-        EXPECT_TRUE(sameBytes(runOk(args, in), expected)) << format << turn << mirror;
+        const std::string from = " - - --size 7x5 --from " + format;
+        const std::string how = std::to_string(turn) + (mirror ? " --mirror" : "");
+        EXPECT_TRUE(sameBytes(
+            runOk("convert" + from + " --to " + format + " --rotate " + how, in),
+            expected))
+            << format << how;
+        // The format is the input's by default.
+        EXPECT_TRUE(sameBytes(runOk("rotate" + from + " --angle " + how, in), expected))
+            << format << how;
       }
     }
   }
@@ -49,91 +42,87 @@ TEST_F(ToolTest, TurnsAndMirrorsAllPlanes) {
 TEST_F(ToolTest, LumaOnly) {
   const std::string y = noise(35), frame = y + noise(40, 2);
   const std::string turnedLuma = turned(y, 7, 5, 1, 90, false);
-  Args args = {"rotate", "-",   "-",       "--from", "nv16",
-               "--size", "7x5", "--angle", "90",     "--luma-only"};
+  const std::string args = "rotate - - --from nv16 --size 7x5 --angle 90 --luma-only";
   EXPECT_EQ(runOk(args, frame), turnedLuma);
-  args.insert(args.end(), {"--to", "nv21"});
-  EXPECT_EQ(runOk(args, frame), turnedLuma + std::string(24, '\x80'));
-  expectRefusal(
-      {"convert", "-", "x.gray", "--from", "yuyv422", "--size", "7x5", "--luma-only"},
-      "no separate luma plane", noise(80));
+  EXPECT_EQ(runOk(args + " --to nv21", frame), turnedLuma + std::string(24, '\x80'));
+  expectRefusal("convert - x.gray --from yuyv422 --size 7x5 --luma-only",
+                "no separate luma plane", noise(80));
 }
 
 TEST_F(ToolTest, SizesFromEveryFormOfResize) {
   struct Case {
     const char* resize;
-    Args more;
+    std::string more;
     const char* size;  // of 64x48
   };
-  for (const Case& c : {Case{"32x20", {}, "32 20"},
-                        Case{"33x21", {}, "33 21"},
-                        Case{"32x", {}, "32 24"},
-                        Case{"x24", {}, "32 24"},
-                        Case{"X24", {}, "32 24"},
-                        Case{"40x", {}, "40 30"},
-                        Case{"35x", {}, "35 26"},  // 26.25
-                        Case{"x25", {}, "34 25"},  // 33.3
-                        Case{"50%", {}, "32 24"},
-                        Case{"150%", {}, "96 72"},
-                        Case{"1%", {}, "2 2"},
-                        Case{"fit:32x32", {}, "32 24"},
-                        Case{"FIT:100x24", {}, "32 24"},
-                        Case{"fit:20x16", {}, "20 16"},
-                        Case{"fit:640x640", {}, "640 480"},
-                        Case{"32x", {"--rotate", "90"}, "32 42"},  // 42.7
-                        Case{"fit:32x32", {"--rotate", "270"}, "24 32"},
-                        Case{"50%", {"--rotate", "90"}, "24 32"},
-                        Case{"x10", {"--crop", "0,0,16x8"}, "20 10"},
-                        Case{"32x20", {"--rotate", "90"}, "32 20"},
-                        Case{"fit:32x32", {"--canvas", "40x50"}, "40 50"}}) {
-    Args args = {"convert", "-",    "-",   "--from",   "gray",  "--size",
-                 "64x48",   "--to", "pgm", "--resize", c.resize};
-    args.insert(args.end(), c.more.begin(), c.more.end());
+  for (const Case& c : {Case{"32x20", "", "32 20"},
+                        Case{"33x21", "", "33 21"},
+                        Case{"32x", "", "32 24"},
+                        Case{"x24", "", "32 24"},
+                        Case{"X24", "", "32 24"},
+                        Case{"40x", "", "40 30"},
+                        Case{"35x", "", "35 26"},  // 26.25
+                        Case{"x25", "", "34 25"},  // 33.3
+                        Case{"50%", "", "32 24"},
+                        Case{"150%", "", "96 72"},
+                        Case{"1%", "", "2 2"},
+                        Case{"fit:32x32", "", "32 24"},
+                        Case{"FIT:100x24", "", "32 24"},
+                        Case{"fit:20x16", "", "20 16"},
+                        Case{"fit:640x640", "", "640 480"},
+                        Case{"32x", "--rotate 90", "32 42"},  // 42.7
+                        Case{"fit:32x32", "--rotate 270", "24 32"},
+                        Case{"50%", "--rotate 90", "24 32"},
+                        Case{"x10", "--crop 0,0,16x8", "20 10"},
+                        Case{"32x20", "--rotate 90", "32 20"},
+                        Case{"fit:32x32", "--canvas 40x50", "40 50"}}) {
+    std::string args =
+        std::string("convert - - --from gray --size 64x48 --to pgm --resize ") +
+        c.resize;
+    args += " " + c.more;
     const std::string out = runOk(args, noise(64 * 48));
-    EXPECT_EQ(out.substr(3, out.find('\n', 3) - 3), c.size)
-        << c.resize << ::testing::PrintToString(c.more);
+    EXPECT_EQ(out.substr(3, out.find('\n', 3) - 3), c.size) << c.resize << c.more;
   }
 }
 
 TEST_F(ToolTest, ScaledLikeTheLibraries) {
   const Picture card = {ZELM_I420, 33, 21, noise(33 * 21 + 2 * 17 * 11)};
   struct Case {
-    Args options;
+    std::string options;
     ZelmEdit edit;
     uint32_t width, height;
   };
   const ZelmRegion part = {4, 2, 25, 19}, whole = {};
   for (const Case& c :
-       {Case{{"--resize", "16x10"}, {}, 16, 10},
-        Case{{"--crop", "4,2,25x19"}, {part, whole, 0, 0, 0, 0}, 25, 19},
-        Case{{"--crop", "4,2,25x19", "--resize", "50x40", "--filter", "CUBIC"},
+       {Case{"--resize 16x10", {}, 16, 10},
+        Case{"--crop 4,2,25x19", {part, whole, 0, 0, 0, 0}, 25, 19},
+        Case{"--crop 4,2,25x19 --resize 50x40 --filter CUBIC",
              {part, whole, ZELM_CUBIC, ZELM_CUBIC, 0, 0},
              50,
              40},
-        Case{{"--resize", "9x9", "--filter", "nearest", "--luma", "linear", "--rotate",
-              "90", "--mirror"},
+        Case{"--resize 9x9 --filter nearest --luma linear --rotate 90 --mirror",
              {whole, whole, ZELM_LINEAR, ZELM_NEAREST, 90, 1},
              9,
              9},
-        Case{{"--resize", "20x30", "--rotate", "270", "--chroma", "cubic"},
+        Case{"--resize 20x30 --rotate 270 --chroma cubic",
              {whole, whole, ZELM_LINEAR, ZELM_CUBIC, 270, 0},
              20,
              30}}) {
     for (const auto& [name, format] :
          {std::pair<const char*, uint32_t>{"nv12", ZELM_NV12}, {"rgb24", ZELM_RGB24}}) {
-      Args args = {"convert", "-",     "-",    "--from", "i420",
-                   "--size",  "33x21", "--to", name};
-      args.insert(args.end(), c.options.begin(), c.options.end());
+      std::string args =
+          std::string("convert - - --from i420 --size 33x21 --to ") + name;
+      args += " " + c.options;
       EXPECT_TRUE(sameBytes(runOk(args, card.bytes),
                             converted(card, blank(format, c.width, c.height), c.edit)))
-          << ::testing::PrintToString(args);
+          << args;
     }
   }
 }
 
 // Where the core library does it all in one call: its bytes, also around the picture.
 TEST_F(ToolTest, RegionsLikeTheCoreLibrary) {
-  std::string card = runOk({"testcard", "-", "--size", "80x60", "--to", "nv21"});
+  std::string card = runOk("testcard - --size 80x60 --to nv21");
   std::string expected(60 * 40 * 3, '\0');
   const auto bytes = [](std::string& s) {
     return reinterpret_cast<uint8_t*>(s.data());
@@ -144,10 +133,8 @@ TEST_F(ToolTest, RegionsLikeTheCoreLibrary) {
   to.roiX = 10, to.roiY = 6, to.roiWidth = 40, to.roiHeight = 30;
   ASSERT_EQ(Zelm_Resize_and_Convert(from, to, RESIZE_CUBIC, RESIZE_NEAREST, 0), 0);
   EXPECT_TRUE(sameBytes(
-      runOk({"convert", "-",      "-",         "--size",   "80x60", "--from",
-             "nv21",    "--crop", "8,4,50x48", "--resize", "40x30", "--canvas",
-             "60x40",   "--at",   "10,6",      "--filter", "cubic", "--chroma",
-             "nearest", "--to",   "rgb24"},
+      runOk("convert - - --size 80x60 --from nv21 --crop 8,4,50x48 --resize 40x30 "
+            "--canvas 60x40 --at 10,6 --filter cubic --chroma nearest --to rgb24",
             card),
       expected));
 }
@@ -156,39 +143,33 @@ TEST_F(ToolTest, BarsAreBlack) {
   const std::string y4m = uniformY4m("", 8, 4, {100, 90, 180});
   // What surrounds the picture of 8x4 at `at` in 12x10, and the picture's own samples.
   struct Case {
-    Args options;
+    std::string options;
     std::string bar, inside;
     uint32_t x, y;
   };
-  const Args middle = {"--resize", "fit:8x8", "--canvas", "12x10"};
-  const Args corner = {"--canvas", "12x10", "--at", "2,4"};
-  const auto with = [](Args args, const Args& more) {
-    args.insert(args.end(), more.begin(), more.end());
-    return args;
-  };
-  const std::string rgb =
-      runOk({"convert", "-", "-", "--to", "rgb24"}, y4m).substr(0, 3);
+  const std::string middle = "--resize fit:8x8 --canvas 12x10";
+  const std::string corner = "--canvas 12x10 --at 2,4";
+  const std::string rgb = runOk("convert - - --to rgb24", y4m).substr(0, 3);
   for (const Case& c :
-       {Case{with(middle, {"--to", "gray"}), "\x10", "\x64", 2, 2},
-        Case{with(corner, {"--to", "gray"}), "\x10", "\x64", 2, 4},
-        Case{{"--canvas", "12x10", "--to", "gray"}, "\x10", "\x64", 0, 0},
-        Case{with(corner, {"--to", "gray", "--range", "full"}), {'\0'}, "\x64", 2, 4},
-        Case{with(middle, {"--to", "rgb24"}), std::string(3, '\0'), rgb, 2, 2},
-        Case{with(corner, {"--to", "rgba"}), std::string("\0\0\0\xFF", 4), rgb + "\xFF",
-             2, 4}}) {
+       {Case{middle + " --to gray", "\x10", "\x64", 2, 2},
+        Case{corner + " --to gray", "\x10", "\x64", 2, 4},
+        Case{"--canvas 12x10 --to gray", "\x10", "\x64", 0, 0},
+        Case{corner + " --to gray --range full", std::string(1, '\0'), "\x64", 2, 4},
+        Case{middle + " --to rgb24", std::string(3, '\0'), rgb, 2, 2},
+        Case{corner + " --to rgba", std::string("\0\0\0\xFF", 4), rgb + "\xFF", 2,
+             4}}) {
     std::string expected;
     for (uint32_t y = 0; y < 10; ++y) {
       for (uint32_t x = 0; x < 12; ++x) {
         expected += x - c.x < 8 && y - c.y < 4 ? c.inside : c.bar;
       }
     }
-    EXPECT_TRUE(sameBytes(runOk(with({"convert", "-", "-"}, c.options), y4m), expected))
-        << ::testing::PrintToString(c.options);
+    EXPECT_TRUE(sameBytes(runOk("convert - - " + c.options, y4m), expected))
+        << c.options;
   }
   // Chroma around the picture is neutral, in every frame.
   const std::string frames = y4m + y4m.substr(y4m.find("FRAME"));
-  const std::string out = runOk(
-      with({"convert", "-", "-", "--threads", "1", "--to", "nv12"}, corner), frames);
+  const std::string out = runOk("convert - - --threads 1 --to nv12 " + corner, frames);
   ASSERT_EQ(out.size(), 2u * 180);
   EXPECT_EQ(out.substr(120, 2 * 12), std::string(24, '\x80'));
   EXPECT_EQ(out.substr(120 + 24, 6), std::string("\x80\x80\x5A\xB4\x5A\xB4"));

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -41,9 +42,12 @@ ToolTest::~ToolTest() {
   }
 }
 
-pid_t ToolTest::start(const Args& args, int in, int out) {
-  std::vector<char*> argv = {const_cast<char*>("zelm-imageutil")};
-  for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+pid_t ToolTest::start(const std::string& arguments, int in, int out) {
+  std::istringstream words("zelm-imageutil " + arguments);
+  std::vector<std::string> args{std::istream_iterator<std::string>(words), {}};
+  std::vector<char*> argv;
+  argv.reserve(args.size() + 1);
+  for (std::string& arg : args) argv.push_back(arg.data());
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
@@ -52,8 +56,19 @@ pid_t ToolTest::start(const Args& args, int in, int out) {
   posix_spawn_file_actions_adddup2(&actions, out, 1);
   posix_spawn_file_actions_addopen(&actions, 2, errors_.c_str(),
                                    O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  // Whatever the tests were started with: background jobs ignore some of them.
+  posix_spawnattr_t usual;
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM, SIGPIPE, SIGXFSZ}) {
+    sigaddset(&signals, number);
+  }
+  posix_spawnattr_init(&usual);
+  posix_spawnattr_setsigdefault(&usual, &signals);
+  posix_spawnattr_setflags(&usual, POSIX_SPAWN_SETSIGDEF);
   pid_t child = -1;
-  EXPECT_EQ(posix_spawn(&child, ZELM_TOOL, &actions, nullptr, argv.data(), environ), 0);
+  EXPECT_EQ(posix_spawn(&child, ZELM_TOOL, &actions, &usual, argv.data(), environ), 0);
+  posix_spawnattr_destroy(&usual);
   posix_spawn_file_actions_destroy(&actions);
   return child;
 }
@@ -66,22 +81,22 @@ int ToolTest::waitFor(pid_t child) {
 
 std::string ToolTest::errors() const { return contents(errors_); }
 
-ToolResult ToolTest::runFrom(const Args& args, int in) {
+ToolResult ToolTest::runFrom(const std::string& arguments, int in) {
   const int out =
       open((folder_ + ".out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  const int status = waitFor(start(args, in, out));
+  const int status = waitFor(start(arguments, in, out));
   close(in);
   close(out);
   EXPECT_TRUE(WIFEXITED(status)) << status;
   return {WEXITSTATUS(status), contents(folder_ + ".out"), contents(errors_)};
 }
 
-ToolResult ToolTest::run(const Args& args, const std::string& input) {
+ToolResult ToolTest::run(const std::string& arguments, const std::string& input) {
   store(folder_ + ".in", input);
-  return runFrom(args, open((folder_ + ".in").c_str(), O_RDONLY | O_CLOEXEC));
+  return runFrom(arguments, open((folder_ + ".in").c_str(), O_RDONLY | O_CLOEXEC));
 }
 
-ToolResult ToolTest::runPiped(const Args& args, const std::string& input) {
+ToolResult ToolTest::runPiped(const std::string& arguments, const std::string& input) {
   int ends[2];
   EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
   std::thread writer([&] {
@@ -98,31 +113,31 @@ ToolResult ToolTest::runPiped(const Args& args, const std::string& input) {
     }
     close(ends[1]);
   });
-  const ToolResult result = runFrom(args, ends[0]);
+  ToolResult result = runFrom(arguments, ends[0]);
   writer.join();
   return result;
 }
 
-std::string ToolTest::runOk(const Args& args, const std::string& input) {
-  Args quiet = args;
-  if (args[0] == "convert" || args[0] == "rotate" || args[0] == "testcard") {
-    quiet.insert(quiet.begin() + 1, "-q");
-  }
-  const ToolResult result = run(quiet, input);
-  EXPECT_EQ(result.status, 0) << result.err;
+std::string ToolTest::runOk(const std::string& arguments, const std::string& input) {
+  const std::string command = arguments.substr(0, arguments.find(' '));
+  const bool speaks =
+      command == "convert" || command == "rotate" || command == "testcard";
+  const ToolResult result = run(
+      speaks ? command + " -q" + arguments.substr(command.size()) : arguments, input);
+  EXPECT_EQ(result.status, 0) << arguments;
   EXPECT_EQ(result.err, "");
   return result.out;
 }
 
-void ToolTest::expectRefusal(const Args& args, const std::string& words,
+void ToolTest::expectRefusal(const std::string& arguments, const std::string& words,
                              const std::string& input) {
   const std::vector<std::string> before = files();
-  const ToolResult result = run(args, input);
-  EXPECT_EQ(result.status, 2) << words;
-  EXPECT_EQ(result.out, "") << words;
+  const ToolResult result = run(arguments, input);
+  EXPECT_EQ(result.status, 2) << arguments;
+  EXPECT_EQ(result.out, "") << arguments;
   EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
   EXPECT_NE(result.err.find(words), std::string::npos) << result.err;
-  EXPECT_EQ(files(), before) << words;
+  EXPECT_EQ(files(), before) << arguments;
 }
 
 std::string ToolTest::load(const std::string& name) const {

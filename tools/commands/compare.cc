@@ -186,8 +186,9 @@ bool runCompare(const CompareOptions& options) {
   }
   comparison.print();
   if (moreA != moreB) {
-    printf("%s ends after %" PRIu64 " frames, %s goes on\n",
+    printf("%s ends after %" PRIu64 " %s, %s goes on\n",
            (moreA ? options.other : options.in.path).c_str(), comparison.frames(),
+           comparison.frames() == 1 ? "frame" : "frames",
            (moreA ? options.in.path : options.other).c_str());
   }
   return comparison.equal() && moreA == moreB;

@@ -46,7 +46,7 @@ InputColour chooseInputColour(const ColourRequest& asked, const ColourRequest& s
                               Range usualRange, Matrix usualMatrix);
 
 // "limited range and BT.709", of those that were assumed; empty where nothing was.
-std::string assumedText(const InputColour& colour);
+std::string assumedText(const InputColour& input);
 
 }  // namespace zelm_tool
 

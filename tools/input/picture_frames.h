@@ -36,7 +36,7 @@ class PictureFrames : public FileFrames {
 
 class PngFrames : public PictureFrames {
  public:
-  PngFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+  PngFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options);
 
  protected:
   const uint8_t* readFrame(Buffer* buffer) override;
@@ -50,7 +50,7 @@ class PngFrames : public PictureFrames {
 
 class PnmFrames : public PictureFrames {
  public:
-  PnmFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+  PnmFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options);
 
  protected:
   const uint8_t* readFrame(Buffer* buffer) override;

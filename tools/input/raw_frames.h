@@ -8,7 +8,7 @@ namespace zelm_tool {
 
 class RawFrames : public FileFrames {
  public:
-  RawFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+  RawFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options);
 
   const char* container() const override { return "raw"; }
 

@@ -8,7 +8,7 @@ namespace zelm_tool {
 
 class Y4mFrames : public FileFrames {
  public:
-  Y4mFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+  Y4mFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options);
 
   const char* container() const override { return "Y4M"; }
   const Y4mHeader* y4m() const override { return &header_; }
