@@ -66,7 +66,7 @@ Case chooseCase(fuzz::Input* input) {
       c.first = strtoull(c.in.frames.c_str(), nullptr, 10);
     }
   }
-  if (more % 16 == 6) c.in.range = "limited";
+  if (more % 16 == 6) c.in.colour.range = "limited";
   return c;
 }
 

@@ -26,11 +26,11 @@ for argument in "$@"; do
     --quick) rounds=3 ;;
     --before=*) before=$(realpath "${argument#*=}") ;;
     --store) store=true ;;
-    -*)
+    [!-]*) wanted=$argument ;;
+    *)
       sed -n '3,13s/^# *//p' scripts/bench-tool.sh >&2
       exit 2
       ;;
-    *) wanted=$argument ;;
   esac
 done
 

@@ -50,38 +50,35 @@ TEST_F(ToolTest, LumaOnly) {
 }
 
 TEST_F(ToolTest, SizesFromEveryFormOfResize) {
-  struct Case {
-    const char* resize;
-    std::string more;
-    const char* size;  // of 64x48
-  };
-  for (const Case& c : {Case{"32x20", "", "32 20"},
-                        Case{"33x21", "", "33 21"},
-                        Case{"32x", "", "32 24"},
-                        Case{"x24", "", "32 24"},
-                        Case{"X24", "", "32 24"},
-                        Case{"40x", "", "40 30"},
-                        Case{"35x", "", "35 26"},  // 26.25
-                        Case{"x25", "", "34 25"},  // 33.3
-                        Case{"50%", "", "32 24"},
-                        Case{"150%", "", "96 72"},
-                        Case{"1%", "", "2 2"},
-                        Case{"fit:32x32", "", "32 24"},
-                        Case{"FIT:100x24", "", "32 24"},
-                        Case{"fit:20x16", "", "20 16"},
-                        Case{"fit:640x640", "", "640 480"},
-                        Case{"32x", "--rotate 90", "32 42"},  // 42.7
-                        Case{"fit:32x32", "--rotate 270", "24 32"},
-                        Case{"50%", "--rotate 90", "24 32"},
-                        Case{"x10", "--crop 0,0,16x8", "20 10"},
-                        Case{"32x20", "--rotate 90", "32 20"},
-                        Case{"fit:32x32", "--canvas 40x50", "40 50"}}) {
+  // What is asked for, other options, and the size of 64x48 afterwards; sides that
+  // follow are rounded from 26.25, 33.3 and 42.7.
+  constexpr const char* kCases[][3] = {{"32x20", "", "32 20"},
+                                       {"33x21", "", "33 21"},
+                                       {"32x", "", "32 24"},
+                                       {"x24", "", "32 24"},
+                                       {"X24", "", "32 24"},
+                                       {"40x", "", "40 30"},
+                                       {"35x", "", "35 26"},
+                                       {"x25", "", "34 25"},
+                                       {"50%", "", "32 24"},
+                                       {"150%", "", "96 72"},
+                                       {"1%", "", "2 2"},
+                                       {"fit:32x32", "", "32 24"},
+                                       {"FIT:100x24", "", "32 24"},
+                                       {"fit:20x16", "", "20 16"},
+                                       {"fit:640x640", "", "640 480"},
+                                       {"32x", "--rotate 90", "32 42"},
+                                       {"fit:32x32", "--rotate 270", "24 32"},
+                                       {"50%", "--rotate 90", "24 32"},
+                                       {"x10", "--crop 0,0,16x8", "20 10"},
+                                       {"32x20", "--rotate 90", "32 20"},
+                                       {"fit:32x32", "--canvas 40x50", "40 50"}};
+  for (const auto& [resize, more, size] : kCases) {
     std::string args =
-        std::string("convert - - --from gray --size 64x48 --to pgm --resize ") +
-        c.resize;
-    args += " " + c.more;
+        std::string("convert - - --from gray --size 64x48 --to pgm --resize ") + resize;
+    args += std::string(" ") + more;
     const std::string out = runOk(args, noise(64 * 48));
-    EXPECT_EQ(out.substr(3, out.find('\n', 3) - 3), c.size) << c.resize << c.more;
+    EXPECT_EQ(out.substr(3, out.find('\n', 3) - 3), size) << resize << more;
   }
 }
 

@@ -15,25 +15,13 @@ constexpr int kExitFailure = 2;
 // Returns the exit status.
 int run(const zelm_tool::Options& options) {
   using zelm_tool::Command;
-  switch (options.command) {
-    case Command::kNone:
-      break;
-    case Command::kConvert:
-      zelm_tool::runConvert(options.convert);
-      break;
-    case Command::kTestcard:
-      zelm_tool::runTestcard(options.testcard);
-      break;
-    case Command::kFormats:
-      zelm_tool::runFormats(options.formats);
-      break;
-    case Command::kInfo:
-      zelm_tool::runInfo(options.info);
-      break;
-    case Command::kCompare:
-      return zelm_tool::runCompare(options.compare) ? 0 : kExitDifferent;
-  }
-  return 0;
+  const Command command = options.command;
+  if (command == Command::kConvert) runConvert(options.convert);
+  if (command == Command::kTestcard) runTestcard(options.testcard);
+  if (command == Command::kFormats) runFormats(options.formats);
+  if (command == Command::kInfo) runInfo(options.info);
+  if (command != Command::kCompare || runCompare(options.compare)) return 0;
+  return kExitDifferent;
 }
 
 // One line, whatever the texts in it hold.

@@ -33,8 +33,7 @@ std::string optionsFor(const InputColour& colour, const char* range,
 
 uint32_t chooseOutputColour(const OutputOptions& options, const Target& target,
                             const FrameSource& source, Size size) {
-  const ColourRequest asked =
-      parseColour("--to-range", options.range, "--to-matrix", options.matrix);
+  const ColourRequest asked = parseColour("--to-", options.colour);
   if (target.format->isRgb()) {
     if (asked.range || asked.matrix) {
       fail("--to-range and --to-matrix are for YUV that is written, not for ",
@@ -64,8 +63,7 @@ std::string colourRemark(const ConvertOptions& options, const FrameSource& sourc
            optionsFor(colour, "--range", "--matrix");
   }
   if (work.to.format->isRgb()) return "";
-  const ColourRequest asked =
-      parseColour("--to-range", options.out.range, "--to-matrix", options.out.matrix);
+  const ColourRequest asked = parseColour("--to-", options.out.colour);
   InputColour written;
   written.colour = work.to.colour;
   written.rangeAssumed = !asked.range;

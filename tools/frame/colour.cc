@@ -1,6 +1,8 @@
 // Names, numbers and defaults of colour descriptions.
 #include "frame/colour.h"
 
+#include <utility>
+
 #include "failure.h"
 #include "frame/formats.h"
 
@@ -13,25 +15,24 @@ constexpr uint32_t kHighHeight = 720;
 
 }  // namespace
 
-ColourRequest parseColour(const std::string& rangeOption, const std::string& range,
-                          const std::string& matrixOption, const std::string& matrix) {
+ColourRequest parseColour(const std::string& start, const ColourOptions& options) {
   ColourRequest request;
-  const std::string r = lowerCase(range), m = lowerCase(matrix);
-  if (r == "full") {
-    request.range = Range::kFull;
-  } else if (r == "limited") {
-    request.range = Range::kLimited;
-  } else if (!r.empty() && r != "auto") {
-    fail(rangeOption, " ", range, ": expected auto, full or limited");
+  const std::string range = lowerCase(options.range);
+  const std::string matrix = lowerCase(options.matrix);
+  for (Range r : {Range::kFull, Range::kLimited}) {
+    if (range == nameOf(r)) request.range = r;
   }
-  if (m == "bt601") {
-    request.matrix = Matrix::kBt601;
-  } else if (m == "bt709") {
-    request.matrix = Matrix::kBt709;
-  } else if (m == "bt2020") {
-    request.matrix = Matrix::kBt2020;
-  } else if (!m.empty() && m != "auto") {
-    fail(matrixOption, " ", matrix, ": expected auto, bt601, bt709 or bt2020");
+  constexpr std::pair<const char*, Matrix> kMatrices[] = {{"bt601", Matrix::kBt601},
+                                                          {"bt709", Matrix::kBt709},
+                                                          {"bt2020", Matrix::kBt2020}};
+  for (const auto& [name, m] : kMatrices) {
+    if (matrix == name) request.matrix = m;
+  }
+  if (!range.empty() && range != "auto" && !request.range) {
+    fail(start, "range ", options.range, ": expected auto, full or limited");
+  }
+  if (!matrix.empty() && matrix != "auto" && !request.matrix) {
+    fail(start, "matrix ", options.matrix, ": expected auto, bt601, bt709 or bt2020");
   }
   return request;
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "frame/geometry.h"
+#include "options/options.h"
 
 namespace zelm_tool {
 
@@ -20,10 +21,9 @@ struct ColourRequest {
   std::optional<Matrix> matrix;
 };
 
-// The texts of options; empty ones and "auto" ask for nothing. The options' names stand
-// in the message when a text is wrong.
-ColourRequest parseColour(const std::string& rangeOption, const std::string& range,
-                          const std::string& matrixOption, const std::string& matrix);
+// The texts of options; empty ones and "auto" ask for nothing. The options' names begin
+// with `start` and stand in the message when a text is wrong.
+ColourRequest parseColour(const std::string& start, const ColourOptions& options);
 
 // What video without a word about its matrix is taken to have, as players do.
 Matrix usualMatrix(Size size);

@@ -37,7 +37,7 @@ void parseFrames(const std::string& text, uint64_t* first, uint64_t* count) {
 
 FileFrames::FileFrames(std::unique_ptr<ByteSource> source, const InputOptions& options)
     : source_(std::move(source)),
-      asked_(parseColour("--range", options.range, "--matrix", options.matrix)),
+      asked_(parseColour("--", options.colour)),
       colourWasAsked_(asked_.range.has_value() || asked_.matrix.has_value()),
       skip_(options.skip) {
   if (options.frames.empty()) return;

@@ -2,10 +2,9 @@
 #include <algorithm>
 
 #include "failure.h"
+#include "frame/y4m.h"
+#include "input/file_kinds.h"
 #include "input/foreign.h"
-#include "input/picture_frames.h"
-#include "input/raw_frames.h"
-#include "input/y4m_frames.h"
 
 namespace zelm_tool {
 namespace {
@@ -24,13 +23,13 @@ std::unique_ptr<FrameSource> openFrames(const InputOptions& options) {
   const std::string_view start =
       source->peek(std::max({magic, kForeignBytes, kPictureBytes}));
   if (start.substr(0, magic) == kY4mMagic) {
-    return std::make_unique<Y4mFrames>(std::move(source), options);
+    return openY4m(std::move(source), options);
   }
   if (beginsLikePng(start)) {
-    return std::make_unique<PngFrames>(std::move(source), options);
+    return openPng(std::move(source), options);
   }
   if (beginsLikePnm(start) && !isRawByName(options)) {
-    return std::make_unique<PnmFrames>(std::move(source), options);
+    return openPnm(std::move(source), options);
   }
   refuseForeign(options.path, start);
   const std::string from = lowerCase(options.from);
@@ -40,7 +39,7 @@ std::unique_ptr<FrameSource> openFrames(const InputOptions& options) {
   if (from == "png" || from == "ppm" || from == "pgm") {
     fail(source->name(), " is no ", from, " picture: it begins with other bytes");
   }
-  return std::make_unique<RawFrames>(std::move(source), options);
+  return openRaw(std::move(source), options);
 }
 
 }  // namespace zelm_tool

@@ -1,19 +1,12 @@
-// Pictures as inputs: PNG, PPM and PGM, also several of the same size in one stream.
+// What readers of pictures have in common.
 #ifndef ZELM_TOOLS_INPUT_PICTURE_FRAMES_H
 #define ZELM_TOOLS_INPUT_PICTURE_FRAMES_H
-
-#include <vector>
 
 #include "input/file_frames.h"
 
 namespace zelm_tool {
 
-// How many first bytes tell that it is a picture.
-constexpr size_t kPictureBytes = 8;
-bool beginsLikePng(std::string_view start);
-bool beginsLikePnm(std::string_view start);
-
-// What both kinds have in common: a header of every picture, which must say what the
+// Pictures in one stream: a header of every picture, which must say what the
 // first one said.
 class PictureFrames : public FileFrames {
  public:
@@ -32,34 +25,6 @@ class PictureFrames : public FileFrames {
  private:
   const char* const pictureName_;
   const InputOptions options_;
-};
-
-class PngFrames : public PictureFrames {
- public:
-  PngFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options);
-
- protected:
-  const uint8_t* readFrame(Buffer* buffer) override;
-
- private:
-  bool readFile();
-  void append(size_t count);
-
-  std::vector<uint8_t> file_;  // the picture that comes next
-};
-
-class PnmFrames : public PictureFrames {
- public:
-  PnmFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options);
-
- protected:
-  const uint8_t* readFrame(Buffer* buffer) override;
-
- private:
-  void readHeader();
-  uint32_t readNumber();
-
-  bool headerRead_ = false;
 };
 
 }  // namespace zelm_tool

@@ -2,8 +2,10 @@
 #include <png.h>
 
 #include <cstring>
+#include <vector>
 
 #include "failure.h"
+#include "input/file_kinds.h"
 #include "input/picture_frames.h"
 
 namespace zelm_tool {
@@ -52,12 +54,19 @@ uint32_t pngFormatOf(uint32_t format) {
   return format == ZELM_RGBA ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
 }
 
-}  // namespace
+class PngFrames : public PictureFrames {
+ public:
+  PngFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
 
-bool beginsLikePng(std::string_view start) {
-  return start.size() >= sizeof kSignature &&
-         memcmp(start.data(), kSignature, sizeof kSignature) == 0;
-}
+ protected:
+  const uint8_t* readFrame(Buffer* buffer) override;
+
+ private:
+  bool readFile();
+  void append(size_t count);
+
+  std::vector<uint8_t> file_;  // the picture that comes next
+};
 
 PngFrames::PngFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options)
     : PictureFrames(std::move(bytes), options, "PNG") {
@@ -122,6 +131,18 @@ const uint8_t* PngFrames::readFrame(Buffer* buffer) {
   }
   file_.clear();
   return pixels;
+}
+
+}  // namespace
+
+bool beginsLikePng(std::string_view start) {
+  return start.size() >= sizeof kSignature &&
+         memcmp(start.data(), kSignature, sizeof kSignature) == 0;
+}
+
+std::unique_ptr<FrameSource> openPng(std::unique_ptr<ByteSource> source,
+                                     const InputOptions& options) {
+  return std::make_unique<PngFrames>(std::move(source), options);
 }
 
 }  // namespace zelm_tool

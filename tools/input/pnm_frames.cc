@@ -2,6 +2,7 @@
 #include <cctype>
 
 #include "failure.h"
+#include "input/file_kinds.h"
 #include "input/picture_frames.h"
 
 namespace zelm_tool {
@@ -10,12 +11,17 @@ namespace {
 bool isSpace(char c) { return isspace(static_cast<unsigned char>(c)) != 0; }
 bool isDigit(char c) { return isdigit(static_cast<unsigned char>(c)) != 0; }
 
-}  // namespace
+class PnmFrames : public PictureFrames {
+ public:
+  PnmFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+  const uint8_t* readFrame(Buffer* buffer) override;
 
-bool beginsLikePnm(std::string_view start) {
-  return start.size() >= 4 && start[0] == 'P' && (start[1] == '5' || start[1] == '6') &&
-         isSpace(start[2]) && (isDigit(start[3]) || start[3] == '#');
-}
+ private:
+  void readHeader();
+  uint32_t readNumber();
+
+  bool headerRead_ = false;
+};
 
 PnmFrames::PnmFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options)
     : PictureFrames(std::move(bytes), options,
@@ -74,6 +80,18 @@ const uint8_t* PnmFrames::readFrame(Buffer* buffer) {
   }
   headerRead_ = false;
   return takeFrame(buffer, false);
+}
+
+}  // namespace
+
+bool beginsLikePnm(std::string_view start) {
+  return start.size() >= 4 && start[0] == 'P' && (start[1] == '5' || start[1] == '6') &&
+         isSpace(start[2]) && (isDigit(start[3]) || start[3] == '#');
+}
+
+std::unique_ptr<FrameSource> openPnm(std::unique_ptr<ByteSource> source,
+                                     const InputOptions& options) {
+  return std::make_unique<PnmFrames>(std::move(source), options);
 }
 
 }  // namespace zelm_tool

@@ -1,7 +1,7 @@
 // Reads raw frames.
-#include "input/raw_frames.h"
-
 #include "failure.h"
+#include "input/file_frames.h"
+#include "input/file_kinds.h"
 
 namespace zelm_tool {
 namespace {
@@ -16,7 +16,17 @@ const Format& rawFormat(const InputOptions& options, const std::string& name) {
   return *format;
 }
 
-}  // namespace
+class RawFrames : public FileFrames {
+ public:
+  RawFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+
+  const char* container() const override { return "raw"; }
+
+ protected:
+  const uint8_t* readFrame(Buffer* buffer) override { return takeFrame(buffer, true); }
+  bool skipFrame() override;
+  uint64_t bytesInFile() const override { return kind().bytes(); }
+};
 
 RawFrames::RawFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options)
     : FileFrames(std::move(bytes), options) {
@@ -42,6 +52,13 @@ RawFrames::RawFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& opti
 
 bool RawFrames::skipFrame() {
   return source().skip(kind().bytes()) >= kind().leastBytes();
+}
+
+}  // namespace
+
+std::unique_ptr<FrameSource> openRaw(std::unique_ptr<ByteSource> source,
+                                     const InputOptions& options) {
+  return std::make_unique<RawFrames>(std::move(source), options);
 }
 
 }  // namespace zelm_tool

@@ -1,7 +1,7 @@
 // Reads Y4M streams.
-#include "input/y4m_frames.h"
-
 #include "failure.h"
+#include "input/file_frames.h"
+#include "input/file_kinds.h"
 
 namespace zelm_tool {
 namespace {
@@ -12,7 +12,23 @@ std::string firstLine(ByteSource& source) {
   return line;
 }
 
-}  // namespace
+class Y4mFrames : public FileFrames {
+ public:
+  Y4mFrames(std::unique_ptr<ByteSource> source, const InputOptions& options);
+
+  const char* container() const override { return "Y4M"; }
+  const Y4mHeader* y4m() const override { return &header_; }
+
+ protected:
+  const uint8_t* readFrame(Buffer* buffer) override;
+  bool skipFrame() override;
+  uint64_t bytesInFile() const override;
+
+ private:
+  bool readFrameLine();
+
+  Y4mHeader header_;
+};
 
 Y4mFrames::Y4mFrames(std::unique_ptr<ByteSource> bytes, const InputOptions& options)
     : FileFrames(std::move(bytes), options), header_(name(), firstLine(source())) {
@@ -55,6 +71,13 @@ const uint8_t* Y4mFrames::readFrame(Buffer* buffer) {
 
 bool Y4mFrames::skipFrame() {
   return readFrameLine() && source().skip(kind().bytes()) == kind().bytes();
+}
+
+}  // namespace
+
+std::unique_ptr<FrameSource> openY4m(std::unique_ptr<ByteSource> source,
+                                     const InputOptions& options) {
+  return std::make_unique<Y4mFrames>(std::move(source), options);
 }
 
 }  // namespace zelm_tool

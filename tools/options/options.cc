@@ -31,9 +31,9 @@ CLI::Validator numberFrom(uint64_t least, uint64_t most) {
 }
 
 void addRawInput(CLI::App* command, InputOptions* in) {
-  command->add_option("--size", in->size, "Size of raw frames")->type_name("WxH");
   command->add_option("--from", in->from, "Format of raw frames (default: the suffix)")
       ->type_name("FORMAT");
+  command->add_option("--size", in->size, "Size of raw frames")->type_name("WxH");
   command
       ->add_option("--stride", in->stride,
                    "Bytes from row to row of raw frames with padded rows; chroma "
@@ -49,19 +49,25 @@ void addRawInput(CLI::App* command, InputOptions* in) {
       ->type_name("N|FIRST:COUNT");
 }
 
+// `start` begins the names, `done` says what is done to the frames.
+void addColour(CLI::App* command, ColourOptions* colour, const std::string& start,
+               const std::string& done) {
+  command
+      ->add_option(start + "range", colour->range,
+                   "auto, full or limited: the range of YUV that is " + done)
+      ->type_name("RANGE");
+  command
+      ->add_option(start + "matrix", colour->matrix,
+                   "auto, bt601, bt709 or bt2020: the matrix of YUV that is " + done)
+      ->type_name("MATRIX");
+}
+
 void addInput(CLI::App* command, InputOptions* in) {
   command->add_option("IN", in->path, "Frames or a picture; - for standard input")
       ->required()
       ->type_name("");
   addRawInput(command, in);
-  command
-      ->add_option("--range", in->range,
-                   "auto, full or limited: the range of YUV that is read")
-      ->type_name("RANGE");
-  command
-      ->add_option("--matrix", in->matrix,
-                   "auto, bt601, bt709 or bt2020: the matrix of YUV that is read")
-      ->type_name("MATRIX");
+  addColour(command, &in->colour, "--", "read");
 }
 
 void addOutput(CLI::App* command, OutputOptions* out, bool digests) {
@@ -72,14 +78,7 @@ void addOutput(CLI::App* command, OutputOptions* out, bool digests) {
       ->add_option("--to,--format", out->to,
                    "Format to write, or y4m, png, ppm, pgm (default: the suffix)")
       ->type_name("FORMAT");
-  command
-      ->add_option("--to-range", out->range,
-                   "auto, full or limited: the range of YUV that is written")
-      ->type_name("RANGE");
-  command
-      ->add_option("--to-matrix", out->matrix,
-                   "auto, bt601, bt709 or bt2020: the matrix of YUV that is written")
-      ->type_name("MATRIX");
+  addColour(command, &out->colour, "--to-", "written");
   command
       ->add_option("--fps", out->fps,
                    "Frame rate of Y4M that is written, such as 25, 29.97 or 30000:1001")

@@ -8,6 +8,11 @@
 namespace zelm_tool {
 
 // What the command line said; empty texts and zeros were not given.
+struct ColourOptions {
+  std::string range;
+  std::string matrix;
+};
+
 struct InputOptions {
   std::string path;
   std::string size;
@@ -15,15 +20,13 @@ struct InputOptions {
   uint32_t stride = 0;
   uint64_t skip = 0;
   std::string frames;  // N or FIRST:COUNT
-  std::string range;
-  std::string matrix;
+  ColourOptions colour;
 };
 
 struct OutputOptions {
   std::string path;
   std::string to;
-  std::string range;
-  std::string matrix;
+  ColourOptions colour;
   std::string fps;
   bool md5 = false;
   bool quiet = false;
