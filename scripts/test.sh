@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
 
 # shellcheck disable=SC2086  # a list of words
-require_packages $test_packages
+require_packages $test_packages $python_packages
 # shellcheck disable=SC2086  # a list of words
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON -DZELM_BUILD_TESTS=ON \
   ${ZELM_CMAKE_OPTIONS:-}
@@ -15,3 +15,4 @@ cmake --build build -j "$(nproc)"
 echo "Instruction sets of the tests:"
 ctest --test-dir build -V -R InstructionSet.Choice | sed -n 's/.*\[   NOTE   \] /  /p' || true
 ctest --test-dir build --no-tests=error --output-on-failure -j "$(nproc)"
+bash scripts/test-python.sh
