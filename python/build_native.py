@@ -8,7 +8,9 @@ import cffi
 
 HERE = Path(__file__).resolve().parent
 SOURCES = HERE.parent
-BUILD = HERE / "build" / "native"
+# Where the libraries are built; one that is named by the environment is ready to build in.
+GIVEN = os.environ.get("ZELM_BUILD_FOLDER")
+BUILD = Path(GIVEN) if GIVEN else HERE / "build" / "native"
 
 # What of zelm_frames.h is used. The values of constants and the layout of structures are
 # taken from the header when this is compiled.
@@ -45,12 +47,23 @@ void zelmPlanDestroy(ZelmPlan *plan);
 
 def build_libraries() -> list[str]:
     """Builds the static libraries and returns their paths, in the order of linking."""
-    options = ["-DCMAKE_BUILD_TYPE=Release", "-DZELM_BUILD_TOOL=OFF", "-DZELM_BUILD_TESTS=OFF"]
-    subprocess.run(["cmake", "-S", SOURCES, "-B", BUILD, *options], check=True)
+    if not GIVEN:
+        options = [
+            "CMAKE_BUILD_TYPE=Release",
+            "ZELM_BUILD_TOOL=OFF",
+            "ZELM_BUILD_TESTS=OFF",
+        ]
+        chosen = [f"-D{option}" for option in options]
+        subprocess.run(["cmake", "-S", SOURCES, "-B", BUILD, *chosen], check=True)
     targets = ["zelm_frames_static", "zelm_imageutil_static"]
     jobs = str(os.cpu_count() or 1)
-    subprocess.run(["cmake", "--build", BUILD, "-j", jobs, "--target", *targets], check=True)
-    return [str(BUILD / "frames/libzelm_frames.a"), str(BUILD / "src/libzelm_imageutil.a")]
+    subprocess.run(
+        ["cmake", "--build", BUILD, "-j", jobs, "--target", *targets], check=True
+    )
+    return [
+        str(BUILD / "frames/libzelm_frames.a"),
+        str(BUILD / "src/libzelm_imageutil.a"),
+    ]
 
 
 ffi = cffi.FFI()

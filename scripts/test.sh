@@ -15,4 +15,4 @@ cmake --build build -j "$(nproc)"
 echo "Instruction sets of the tests:"
 ctest --test-dir build -V -R InstructionSet.Choice | sed -n 's/.*\[   NOTE   \] /  /p' || true
 ctest --test-dir build --no-tests=error --output-on-failure -j "$(nproc)"
-bash scripts/test-python.sh
+ZELM_BUILD_FOLDER=$PWD/build bash scripts/test-python.sh

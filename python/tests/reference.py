@@ -3,7 +3,11 @@ formula with real numbers."""
 
 import numpy as np
 
-MATRICES = {"bt601": (0.299, 0.114), "bt709": (0.2126, 0.0722), "bt2020": (0.2627, 0.0593)}
+MATRICES = {
+    "bt601": (0.299, 0.114),
+    "bt709": (0.2126, 0.0722),
+    "bt2020": (0.2627, 0.0593),
+}
 
 
 def noise(shape, seed=1):

@@ -21,7 +21,9 @@ seeds = st.integers(0, 2**16)
 
 
 def one_array(name, width, height, seed):
-    frame = noise(width * height + 2 * ((width + 1) // 2) * chroma_rows(name, height), seed)
+    frame = noise(
+        width * height + 2 * ((width + 1) // 2) * chroma_rows(name, height), seed
+    )
     if width % 2 == 0 and (name in PLANAR_422 or height % 2 == 0):
         frame = frame.reshape(-1, width)
     return frame
@@ -35,7 +37,9 @@ def chroma_rows(name, height):
 @given(sides, sides, seeds, st.sampled_from([PLANAR_420, PLANAR_422]), st.data())
 def test_layouts_keep_every_sample(width, height, seed, family, data):
     src, dst = (data.draw(st.sampled_from(family)) for _ in range(2))
-    rotate = data.draw(st.sampled_from([0, 180] if family is PLANAR_422 else [0, 90, 180, 270]))
+    rotate = data.draw(
+        st.sampled_from([0, 180] if family is PLANAR_422 else [0, 90, 180, 270])
+    )
     mirror = data.draw(st.booleans())
     frame = one_array(src, width, height, seed)
     made = convert(frame, src, dst, size=(width, height), rotate=rotate, mirror=mirror)
@@ -47,12 +51,21 @@ def test_layouts_keep_every_sample(width, height, seed, family, data):
 
 
 @settings(deadline=None, max_examples=40)
-@given(sides, sides, seeds, st.sampled_from(list(RGB)), st.sampled_from(list(RGB)), st.data())
+@given(
+    sides,
+    sides,
+    seeds,
+    st.sampled_from(list(RGB)),
+    st.sampled_from(list(RGB)),
+    st.data(),
+)
 def test_rgb_crops_and_turns(width, height, seed, src, dst, data):
     frame = noise((height, width, 4 if "a" in src else 3), seed)
     x, y = data.draw(st.integers(0, width - 1)), data.draw(st.integers(0, height - 1))
     w, h = data.draw(st.integers(1, width - x)), data.draw(st.integers(1, height - y))
-    rotate, mirror = data.draw(st.sampled_from([0, 90, 180, 270])), data.draw(st.booleans())
+    rotate, mirror = data.draw(st.sampled_from([0, 90, 180, 270])), data.draw(
+        st.booleans()
+    )
     made = convert(frame, src, dst, crop=(x, y, w, h), rotate=rotate, mirror=mirror)
     part = frame[y : y + h, x : x + w]
     for channel in range(3):
@@ -60,7 +73,9 @@ def test_rgb_crops_and_turns(width, height, seed, src, dst, data):
         np.testing.assert_array_equal(made[..., RGB[dst][channel]], expected)
     if made.shape[2] == 4:
         alpha = turned(part[..., 3], rotate, mirror) if "a" in src else 255
-        np.testing.assert_array_equal(made[..., 3], np.broadcast_to(alpha, made.shape[:2]))
+        np.testing.assert_array_equal(
+            made[..., 3], np.broadcast_to(alpha, made.shape[:2])
+        )
 
 
 @settings(deadline=None, max_examples=80)
@@ -95,7 +110,9 @@ def test_frames_are_read_and_written_where_they_lie():
     wide = np.zeros((height * 3 // 2 + 5, width + 64), np.uint8)
     wide[: height * 3 // 2, :width] = plain
     luma, pairs = wide[:height, :width], wide[height : height * 3 // 2, :width]
-    chroma = pairs.reshape(height // 2, width // 2, 2) if pairs.flags.c_contiguous else pairs
+    chroma = (
+        pairs.reshape(height // 2, width // 2, 2) if pairs.flags.c_contiguous else pairs
+    )
     camera = noise((height // 2, width // 2, 2), 3)
     camera[...] = plain[height:].reshape(camera.shape)
     below = np.empty((height, width + 3, 3), np.uint8)
@@ -122,7 +139,12 @@ def test_frames_are_read_and_written_where_they_lie():
 
 def test_threads_make_the_same_bytes():
     frame = noise((1080 * 3 // 2, 1920))
-    options = {"size": (1920, 1080), "resize": (640, 640), "rotate": 90, "filter": "cubic"}
+    options = {
+        "size": (1920, 1080),
+        "resize": (640, 640),
+        "rotate": 90,
+        "filter": "cubic",
+    }
     expected = Plan("nv12", "rgba", **options)(frame)
     shared = Plan("nv12", "rgba", threads=3, **options)
     results = [None] * 4
@@ -152,14 +174,26 @@ def test_every_format_to_every_other():
 @pytest.mark.parametrize(
     "call, words",
     [
-        (lambda f: convert(f, "nv99", "rgb24"), "unknown format 'nv99'; known are i420"),
-        (lambda f: convert(f, "nv12", "rgb24", src_matrix="bt470"), "known are bt601, bt709"),
+        (
+            lambda f: convert(f, "nv99", "rgb24"),
+            "unknown format 'nv99'; known are i420",
+        ),
+        (
+            lambda f: convert(f, "nv12", "rgb24", src_matrix="bt470"),
+            "known are bt601, bt709",
+        ),
         (lambda f: convert(f, "nv12", "rgb24", filter="lanczos"), "known are linear"),
         (lambda f: convert(f, "nv12", "rgb24", rotate=45), "0, 90, 180 or 270"),
         (lambda f: convert(f, "nv12", "rgb24", crop=(1, 0, 4, 4)), "shares chroma"),
         (lambda f: convert(f, "nv12", "rgb24", crop=(-2, 0, 4, 4)), "outside"),
-        (lambda f: convert(f, "nv12", "rgb24", crop=(0, 0, 40, 4)), "are not all in the frame"),
-        (lambda f: convert(f, "nv12", "rgb24", resize=(0, 4)), "no rgb24 frames of 0x4"),
+        (
+            lambda f: convert(f, "nv12", "rgb24", crop=(0, 0, 40, 4)),
+            "are not all in the frame",
+        ),
+        (
+            lambda f: convert(f, "nv12", "rgb24", resize=(0, 4)),
+            "no rgb24 frames of 0x4",
+        ),
         (lambda f: convert(f, "nv12", "rgb24", size=(8, 6)), "another shape"),
         (lambda f: convert(f[:10], "nv12", "rgb24"), "rows of luma above"),
         (lambda f: convert(f.astype(float), "nv12", "rgb24"), "samples of uint8"),
@@ -168,8 +202,16 @@ def test_every_format_to_every_other():
         (lambda f: convert((f[:8],), "nv12", "gray"), "a tuple of planes"),
         (lambda f: convert((f[:8], f[8:10]), "nv12", "gray"), "chroma pairs"),
         (lambda f: convert(f, "nv12", "nv12", out=f), "share bytes"),
-        (lambda f: convert(f, "nv12", "gray", out=np.zeros((8, 9), np.uint8)), "another shape"),
-        (lambda f: convert(f, "nv12", "gray", out=np.zeros((8, 16), np.uint8)[:, ::2]), "side"),
+        (
+            lambda f: convert(f, "nv12", "gray", out=np.zeros((8, 9), np.uint8)),
+            "another shape",
+        ),
+        (
+            lambda f: convert(
+                f, "nv12", "gray", out=np.zeros((8, 16), np.uint8)[:, ::2]
+            ),
+            "side",
+        ),
         (lambda f: convert(f, "nv12", "rgb24", threads=0), "threads is 1 or more"),
     ],
 )
@@ -193,7 +235,9 @@ def test_declarations_are_those_of_the_header():
     declared = (folder / "python/build_native.py").read_text().split('"""')[3]
 
     def functions(text):
-        text = re.sub(r"/\*.*?\*/", " ", text, flags=re.S).replace("ZELM_FRAMES_API", "")
+        text = re.sub(r"/\*.*?\*/", " ", text, flags=re.S).replace(
+            "ZELM_FRAMES_API", ""
+        )
         found = re.findall(r"[\w ]+[\s*]+zelm\w+\([^;]*\);", text)
         return {re.sub(r"\s+", " ", f).strip() for f in found}
 

@@ -8,7 +8,17 @@
 (720, 1280, 3)
 """
 
+from .clip import Clip, convert_clip
 from .formats import names as format_names
 from .plan import Plan, convert
+from .tensor import letterbox, to_tensor
 
-__all__ = ["Plan", "convert", "format_names"]
+__all__ = [
+    "Clip",
+    "Plan",
+    "convert",
+    "convert_clip",
+    "format_names",
+    "letterbox",
+    "to_tensor",
+]

@@ -45,10 +45,18 @@ def shape_of(format: Format, size: Size) -> tuple[int, ...]:
     """The shape of a frame in one array of bytes, or of uint16 for formats of words."""
     width, height = size
     if format.layout == "pixels":
-        return (height, width + width % 2 if format.channels == 2 else width, format.channels)
+        return (
+            height,
+            width + width % 2 if format.channels == 2 else width,
+            format.channels,
+        )
     if format.layout in ("gray", "words"):
         return (height, width)
-    if format.chroma and width % 2 == 0 and (format.rows_shared == 1 or height % 2 == 0):
+    if (
+        format.chroma
+        and width % 2 == 0
+        and (format.rows_shared == 1 or height % 2 == 0)
+    ):
         return (height + _rows(format, height), width)
     return (int(lib.zelmFrameBytes(format.code, width, height, 1)),)
 
@@ -99,7 +107,9 @@ def _one_plane(format: Format, array: Array, size: Optional[Size]) -> Planes | N
         raise _fail(format, f"has {format.channels} bytes per pixel", array)
     height, columns = array.shape[:2]
     width = columns if size is None else size[0]
-    if size is not None and (size[1] != height or not width <= columns <= width + width % 2):
+    if size is not None and (
+        size[1] != height or not width <= columns <= width + width % 2
+    ):
         raise _fail(format, f"of {size[0]}x{size[1]} has another shape", array)
     if not _packed(array):
         return None
@@ -110,7 +120,9 @@ def _one_plane(format: Format, array: Array, size: Optional[Size]) -> Planes | N
 def _split(format: Format, array: Array, size: Optional[Size]) -> Planes | None:
     """Luma above chroma in one array, as video libraries hand such frames out."""
     if array.ndim != 2:
-        raise _fail(format, "in one array has rows of luma above those of chroma", array)
+        raise _fail(
+            format, "in one array has rows of luma above those of chroma", array
+        )
     rows, width = array.shape
     height = rows // 2 if format.rows_shared == 1 else rows * 2 // 3
     if size is not None and size != (width, height):
@@ -118,13 +130,17 @@ def _split(format: Format, array: Array, size: Optional[Size]) -> Planes | None:
     if width % 2 or (format.rows_shared == 2 and height % 2):
         raise _fail(format, "of odd sizes is a tuple of planes", array)
     if rows != height + _rows(format, height):
-        raise _fail(format, "in one array has rows of luma above those of chroma", array)
+        raise _fail(
+            format, "in one array has rows of luma above those of chroma", array
+        )
     if not _packed(array):
         return None
     luma, chroma = array[:height], array[height:]
     if format.layout == "pairs":
         first, second = _luma(luma), _luma(chroma)
-        return None if not (first and second) else Planes((width, height), (first, second))
+        return (
+            None if not (first and second) else Planes((width, height), (first, second))
+        )
     if not array.flags.c_contiguous:
         return None
     planes = chroma.reshape(2, _rows(format, height), width // 2)
@@ -140,7 +156,9 @@ def _chroma_plane(array: Array) -> Optional[Plane]:
     return _plane(array, step * (array.shape[1] - 1) + 1, step)
 
 
-def _of_planes(format: Format, planes: Sequence[Array], size: Optional[Size]) -> Planes | None:
+def _of_planes(
+    format: Format, planes: Sequence[Array], size: Optional[Size]
+) -> Planes | None:
     """A tuple of planes, each with strides of its own."""
     wanted = 3 if format.layout == "planar" else 2
     if not format.chroma or len(planes) != wanted:
@@ -160,7 +178,9 @@ def _of_planes(format: Format, planes: Sequence[Array], size: Optional[Size]) ->
             found.append(_chroma_plane(chroma))
         else:
             if chroma.shape not in ((rows, columns, 2), (rows, 2 * columns)):
-                raise _fail(format, f"has {rows} rows of {columns} chroma pairs", chroma)
+                raise _fail(
+                    format, f"has {rows} rows of {columns} chroma pairs", chroma
+                )
             found.append(_plane(chroma, 2 * columns) if _packed(chroma) else None)
     if any(p is None for p in found):
         return None
@@ -170,7 +190,9 @@ def _of_planes(format: Format, planes: Sequence[Array], size: Optional[Size]) ->
 def _whole_buffer(format: Format, array: Array, size: Optional[Size]) -> Planes | None:
     """All planes one behind the other in an array of one axis."""
     if size is None:
-        raise ValueError(f"{format.name} in an array of one axis needs size=(width, height)")
+        raise ValueError(
+            f"{format.name} in an array of one axis needs size=(width, height)"
+        )
     needed = int(lib.zelmFrameBytes(format.code, *size, 1))
     if needed == 0 or array.shape != (needed,):
         raise _fail(format, f"of {size[0]}x{size[1]} has {needed} bytes", array)
@@ -219,7 +241,9 @@ def _look(format: Format, frame: Frame, size: Optional[Size]) -> Planes | None:
 
 def _require_bytes(format: Format, array: Any) -> None:
     if not isinstance(array, np.ndarray):
-        raise TypeError(f"a frame is an array or a tuple of arrays, not {type(array).__name__}")
+        raise TypeError(
+            f"a frame is an array or a tuple of arrays, not {type(array).__name__}"
+        )
     words = format.layout == "words" and array.dtype == np.dtype("<u2")
     if array.dtype != np.uint8 and not words:
         raise _fail(format, "has samples of uint8", array)
@@ -245,7 +269,9 @@ def of_destination(format: Format, frame: Frame, size: Size) -> Planes:
     """The planes of a frame that is written, which must be where the caller has it."""
     found = _look(format, frame, size)
     if found is None:
-        raise ValueError(f"{format.name}: out= has samples that do not lie side by side")
+        raise ValueError(
+            f"{format.name}: out= has samples that do not lie side by side"
+        )
     for plane in found.planes:
         if not plane.array.flags.writeable:
             raise ValueError("out= is read-only")

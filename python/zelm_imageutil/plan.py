@@ -67,17 +67,18 @@ class Plan:
         if threads < 1:
             raise ValueError(f"threads is 1 or more, not {threads}")
         kept = not self._src.rgb
+        self.out_matrix = dst_matrix or (src_matrix if kept else "bt601")
+        self.out_range = dst_range or (src_range if kept else "full")
         self._colours = (
             formats.colour(src_matrix, src_range),
-            formats.colour(
-                dst_matrix or (src_matrix if kept else "bt601"),
-                dst_range or (src_range if kept else "full"),
-            ),
+            formats.colour(self.out_matrix, self.out_range),
         )
         part = size if crop is None else (crop[2], crop[3])
         upright = part[::-1] if rotate in (90, 270) else part
         self.size: Size = (int(size[0]), int(size[1]))
-        self.out_size: Size = upright if resize is None else (int(resize[0]), int(resize[1]))
+        self.out_size: Size = (
+            upright if resize is None else (int(resize[0]), int(resize[1]))
+        )
         code = formats.filter_code(filter)
         edit = ffi.new("ZelmEdit *")
         if crop is not None:
@@ -95,7 +96,9 @@ class Plan:
     def _prepare(self, edit: Any) -> Any:
         for format, size in ((self._src, self.size), (self._dst, self.out_size)):
             if not lib.zelmFrameBytes(format.code, *(max(side, 0) for side in size), 1):
-                raise ValueError(f"there are no {format.name} frames of {size[0]}x{size[1]}")
+                raise ValueError(
+                    f"there are no {format.name} frames of {size[0]}x{size[1]}"
+                )
         # Nothing of these is touched.
         examples = [
             frames.of_source(format, frames.empty(format, size), size)
@@ -131,7 +134,9 @@ class Plan:
         if code == -9:
             raise ValueError("the frame and out= share bytes")
         if code != 0:
-            raise MemoryError("no memory") if code == -12 else ValueError(f"refused: {code}")
+            raise MemoryError("no memory") if code == -12 else ValueError(
+                f"refused: {code}"
+            )
         return made
 
     def _run_bands(self, to: Any, from_: Any) -> int:
