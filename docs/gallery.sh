@@ -19,7 +19,7 @@ convert() {
 enlarged() {
   local filter
   for filter in nearest linear cubic; do
-    convert card.png $filter.png --crop 1030,40,84x48 --resize 280x --filter $filter
+    convert card.png $filter.png --crop 196,264,48x36 --resize 280x --filter $filter
   done
   beside "$out/enlarged.png" nearest.png linear.png cubic.png
 }
@@ -70,10 +70,10 @@ tiles() {
 }
 
 fit() {
-  convert card.png wide.png --resize fit:150x150 --canvas 150x150
-  convert card.png high.png --rotate 90 --resize fit:150x150 --canvas 150x150
-  convert card.png stretched.png --resize 150x150
-  convert card.png cut.png --crop 280,0,720x720 --resize 150x150
+  convert card.png wide.png --resize fit:140x140 --canvas 140x140
+  convert card.png high.png --rotate 90 --resize fit:140x140 --canvas 140x140
+  convert card.png stretched.png --resize 140x140
+  convert card.png cut.png --crop 280,0,720x720 --resize 140x140
   beside "$out/fit.png" wide.png high.png stretched.png cut.png
 }
 
