@@ -31,6 +31,8 @@ build() {
     zelm_imageutil_static zelm_frames zelm_frames_static
 }
 
+# Full range and BT.601, which the program assumes of raw frames; --quiet, so that it does
+# not say so each time.
 camera_frames() {
   "$tool" testcard $out/testcard.png --size 1280x720
   "$tool" testcard $out/camera.nv21 --size 1280x720 --frames 50
@@ -39,30 +41,32 @@ camera_frames() {
 }
 
 preview() {
-  "$tool" convert $out/camera.nv21 $out/preview.rgb565 --size 1280x720 --resize 640x360
+  "$tool" convert $out/camera.nv21 $out/preview.rgb565 --size 1280x720 \
+    --resize 640x360 --quiet
   "$tool" convert $out/camera.nv21 $out/preview.png --size 1280x720 --resize 640x360 \
-    --skip 20
+    --skip 20 --quiet
   row "preview for a display" $out/preview.rgb565 "50 frames rgb565, 640x360"
   row "one of its frames" $out/preview.png "640x360"
 }
 
 thumbnail() {
   "$tool" convert $out/camera.nv21 $out/thumbnail.png --size 1280x720 --skip 20 \
-    --crop 280,0,720x720 --resize 144x144 --canvas 160x160 --at 8,8 --filter cubic
+    --crop 280,0,720x720 --resize 144x144 --canvas 160x160 --at 8,8 --filter cubic \
+    --quiet
   row "thumbnail of a square region" $out/thumbnail.png "144x144 in 160x160"
 }
 
 # The whole picture in a square, with bars above and below.
 square() {
   "$tool" convert $out/camera.nv21 $out/square.png --size 1280x720 --skip 20 \
-    --resize fit:480x480 --canvas 480x480
+    --resize fit:480x480 --canvas 480x480 --quiet
   row "the whole frame in a square" $out/square.png "480x270 in 480x480"
 }
 
 turns() {
-  "$tool" rotate $out/camera.nv21 $out/upright.png --size 1280x720 --angle 90
+  "$tool" rotate $out/camera.nv21 $out/upright.png --size 1280x720 --angle 90 --quiet
   "$tool" convert $out/camera.nv21 $out/mirrored.png --size 1280x720 --resize 360x640 \
-    --rotate 90 --mirror
+    --rotate 90 --mirror --quiet
   row "a quarter turn clockwise" $out/upright.png "720x1280"
   row "the same mirrored, and smaller" $out/mirrored.png "360x640"
 }
@@ -77,9 +81,9 @@ tiled_round_trip() {
 
 # A clip as ffmpeg and cameras make them: limited range, BT.709, and tagged as such.
 encode() {
-  "$tool" testcard - --size 1280x720 --frames 50 --to y4m |
-    ffmpeg -v error -y -f yuv4mpegpipe -i - -c:v mpeg4 -q:v 3 -colorspace bt709 \
-      -color_primaries bt709 -color_trc bt709 -color_range tv $out/video.mp4
+  "$tool" testcard $out/original.y4m --size 1280x720 --frames 50
+  ffmpeg -v error -y -i $out/original.y4m -c:v mpeg4 -q:v 3 -colorspace bt709 \
+    -color_primaries bt709 -color_trc bt709 -color_range tv $out/video.mp4
 }
 
 # Prints some of what `info` says of a file, in one line.
@@ -102,8 +106,7 @@ video() {
   ffmpeg -v error -y -i $out/video.mp4 $out/video.y4m
   "$tool" convert $out/video.y4m $out/video-small.y4m --resize 640x
   "$tool" convert $out/video.y4m $out/video.png --frames 20:1 --resize 640x
-  "$tool" testcard - --size 1280x720 --frames 50 --to y4m |
-    "$tool" convert - $out/original.png --frames 20:1 --resize 640x --quiet
+  "$tool" convert $out/original.y4m $out/original.png --frames 20:1 --resize 640x
   row "video, encoded by ffmpeg" $out/video.mp4 "50 frames, MPEG-4"
   row "decoded by ffmpeg" $out/video.y4m "$(described $out/video.y4m)"
   row "scaled" $out/video-small.y4m "$(described $out/video-small.y4m)"
