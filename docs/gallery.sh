@@ -3,82 +3,85 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-tool="build/tools/zelm-imageutil"
-out=docs/gallery
+tool=$(realpath "${TOOL:-build/tools/zelm-imageutil}")
+out=$PWD/docs/gallery
 work=$(mktemp -d)
 trap 'rm -r "$work"' EXIT
+# shellcheck source=docs/join.sh
+. docs/join.sh
 mkdir -p "$out"
+cd "$work"
 
-# part HEIGHT FILE OPTION...: the next part of a strip from the left, behind a white gap.
-# Parts are laid on their side, so that they can be joined row by row.
-parts=()
-length=0
-part() {
-  local height=$1 ppm=$work/part.ppm side=$work/side${#parts[@]}.rgb24 gap=8
-  "$tool" convert "$work/$2" "$ppm" "${@:3}" --quiet
-  [ ${#parts[@]} -gt 0 ] || gap=0
-  head -c $((3 * gap * height)) /dev/zero | tr '\0' '\377' >"$side"
-  "$tool" convert "$ppm" - --to rgb24 --rotate 90 >>"$side"
-  parts+=("$side")
-  length=$(($(cat "${parts[@]}" | wc -c) / 3 / height))
+convert() {
+  "$tool" convert "$@" --quiet
 }
 
-# strip NAME HEIGHT: joins the parts.
-strip() {
-  cat "${parts[@]}" | "$tool" convert - "$out/$1.png" --from rgb24 \
-    --size "$2x$length" --rotate 270
-  parts=()
-}
-
-"$tool" testcard "$work/card.nv12" --size 1280x720
-"$tool" testcard "$work/clip.y4m" --size 1280x720
-card=(card.nv12 --size 1280x720)
-
-# A detail that is enlarged.
-for filter in nearest linear cubic; do
-  part 160 "${card[@]}" --crop 198,262,40x40 --resize 160x160 --filter $filter
-done
-strip enlarged 160
-
-# Fine rings that are reduced, and the result enlarged sample by sample to be seen. Of an
-# odd size nothing is averaged first.
-small() {
-  "$tool" convert "$work/card.nv12" "$work/small.ppm" --size 1280x720 "$@" \
-    --resize 60x60 --quiet
-  part 180 small.ppm --resize 180x180 --filter nearest
-}
-small --crop 942,168,241x241 --filter nearest
-small --crop 942,168,241x241
-small --crop 942,168,240x240
-small --crop 942,168,240x240 --filter cubic
-strip reduced 180
-
-# A clip of limited range and BT.709 with its own colour, and with others.
-for colour in "" "--range full" "--matrix bt601" "--range full --matrix bt601"; do
-  # shellcheck disable=SC2086  # a list of options
-  part 126 clip.y4m --resize 224x126 $colour
-done
-strip colours 126
-
-for mirror in "" --mirror; do
-  for turn in 0 90 180 270; do
-    # shellcheck disable=SC2086  # an option or none
-    part 96 "${card[@]}" --crop 320,0,640x640 --rotate $turn $mirror --resize 96x96
+enlarged() {
+  local filter
+  for filter in nearest linear cubic; do
+    convert card.png $filter.png --crop 202,278,32x20 --resize 160x --filter $filter
   done
-done
-strip turns 96
+  beside "$out/enlarged.png" nearest.png linear.png cubic.png
+}
 
-# The luma of a tiled frame, as if its bytes were rows.
-"$tool" convert "$work/card.nv12" "$work/card.tiled" --size 1280x720 --resize 320x192 \
-  --quiet
-head -c $((320 * 192)) "$work/card.tiled" >"$work/tiles.gray"
-"$tool" convert "$work/card.tiled" "$work/rows.gray" --size 320x192 --quiet
-part 192 rows.gray --size 320x192
-part 192 tiles.gray --size 320x192
-strip tiles 192
+# An odd size is not averaged first. The results are enlarged for the eye, sample by
+# sample.
+reduced() {
+  local filter name
+  for filter in nearest linear cubic; do
+    convert card.png odd-$filter.png --crop 943,169,239x239 --resize 48x48 --filter $filter
+  done
+  convert card.png box.png --crop 942,168,240x240 --resize 48x48
+  for name in odd-nearest odd-linear odd-cubic box; do
+    convert $name.png large-$name.png --resize 192x192 --filter nearest
+  done
+  beside "$out/reduced.png" large-odd-nearest.png large-odd-linear.png \
+    large-odd-cubic.png large-box.png
+}
 
-part 160 "${card[@]}" --resize fit:160x160 --canvas 160x160
-part 160 "${card[@]}" --rotate 90 --resize fit:284x160 --canvas 284x160
-part 160 "${card[@]}" --crop 280,0,720x720 --resize 144x144 --canvas 160x160 --at 8,8
-strip bars 160
-ls -l "$out"
+colours() {
+  convert clip.y4m right.png --crop 0,440,1280x280 --resize 420x
+  convert clip.y4m matrix.png --crop 0,440,1280x280 --resize 420x --matrix bt601
+  convert clip.y4m range.png --crop 0,440,1280x280 --resize 420x --range full
+  below "$out/colours.png" right.png matrix.png range.png
+}
+
+turns() {
+  local angle
+  for angle in 0 90 180 270; do
+    convert card.png turned-$angle.png --crop 280,0,720x720 --resize 84x84 --rotate $angle
+    convert card.png mirrored-$angle.png --crop 280,0,720x720 --resize 84x84 \
+      --rotate $angle --mirror
+  done
+  beside turned.png turned-{0,90,180,270}.png
+  beside mirrored.png mirrored-{0,90,180,270}.png
+  below "$out/turns.png" turned.png mirrored.png
+}
+
+# The luma tiles are read as if they were rows of gray.
+tiles() {
+  convert card.png small.png --resize 256x144 --filter cubic
+  convert small.png small.tiled
+  head -c $((256 * 144)) small.tiled >bytes.gray
+  convert bytes.gray bytes.png --size 256x144
+  convert small.png gray.pgm
+  beside tiles.png gray.pgm bytes.png
+  convert tiles.png "$out/tiles.png" --resize 200% --filter nearest
+}
+
+fit() {
+  convert card.png wide.png --resize fit:140x140 --canvas 140x140
+  convert card.png high.png --rotate 90 --resize fit:140x140 --canvas 140x140
+  convert card.png stretched.png --resize 140x140
+  convert card.png cut.png --crop 280,0,720x720 --resize 140x140
+  beside "$out/fit.png" wide.png high.png stretched.png cut.png
+}
+
+"$tool" testcard card.png --size 1280x720
+"$tool" testcard clip.y4m --size 1280x720
+enlarged
+reduced
+colours
+turns
+tiles
+fit

@@ -31,6 +31,8 @@ build() {
     zelm_imageutil_static zelm_frames zelm_frames_static
 }
 
+# Full range and BT.601, which the program assumes of raw frames; --quiet, so that it does
+# not say so each time.
 camera_frames() {
   "$tool" testcard $out/testcard.png --size 1280x720
   "$tool" testcard $out/camera.nv21 --size 1280x720 --frames 50
@@ -39,8 +41,8 @@ camera_frames() {
 }
 
 preview() {
-  "$tool" convert $out/camera.nv21 $out/preview.rgb565 --size 1280x720 --resize 640x360 \
-    --quiet
+  "$tool" convert $out/camera.nv21 $out/preview.rgb565 --size 1280x720 \
+    --resize 640x360 --quiet
   "$tool" convert $out/camera.nv21 $out/preview.png --size 1280x720 --resize 640x360 \
     --skip 20 --quiet
   row "preview for a display" $out/preview.rgb565 "50 frames rgb565, 640x360"
@@ -49,48 +51,68 @@ preview() {
 
 thumbnail() {
   "$tool" convert $out/camera.nv21 $out/thumbnail.png --size 1280x720 --skip 20 \
-    --crop 280,0,720x720 --resize 144x144 --canvas 160x160 --at 8,8 --filter cubic --quiet
+    --crop 280,0,720x720 --resize 144x144 --canvas 160x160 --at 8,8 --filter cubic \
+    --quiet
   row "thumbnail of a square region" $out/thumbnail.png "144x144 in 160x160"
 }
 
-rotation() {
+# The whole picture in a square, with bars above and below.
+square() {
+  "$tool" convert $out/camera.nv21 $out/square.png --size 1280x720 --skip 20 \
+    --resize fit:480x480 --canvas 480x480 --quiet
+  row "the whole frame in a square" $out/square.png "480x270 in 480x480"
+}
+
+turns() {
   "$tool" rotate $out/camera.nv21 $out/upright.png --size 1280x720 --angle 90 --quiet
-  "$tool" convert $out/testcard.png $out/story.png --rotate 90 --mirror \
-    --resize fit:540x640 --canvas 540x640
+  "$tool" convert $out/camera.nv21 $out/mirrored.png --size 1280x720 --resize 360x640 \
+    --rotate 90 --mirror --quiet
   row "a quarter turn clockwise" $out/upright.png "720x1280"
-  row "turned, mirrored, between bars" $out/story.png "540x640"
+  row "the same mirrored, and smaller" $out/mirrored.png "360x640"
 }
 
 tiled_round_trip() {
   "$tool" convert $out/camera.nv21 $out/camera.tiled --size 1280x720 --frames 5
   "$tool" convert $out/camera.tiled $out/again.nv21 --size 1280x720
-  cmp -n "$(stat -c %s $out/again.nv21)" $out/again.nv21 $out/camera.nv21
-  [ "$(stat -c %s $out/again.nv21)" -eq $((5 * 1280 * 720 * 3 / 2)) ]
-  row "nv21 to tiles and back" $out/camera.tiled "5 frames, the same bytes again"
+  row "nv21 to tiles" $out/camera.tiled "5 frames"
+  "$tool" compare $out/again.nv21 $out/camera.nv21 --size 1280x720 --frames 5 >/dev/null
+  row "and back" $out/again.nv21 "compare says: equal"
 }
 
-# A clip as most are: limited range, BT.709. No word about colours is needed on the way.
+# A clip as ffmpeg and cameras make them: limited range, BT.709, and tagged as such.
+encode() {
+  "$tool" testcard $out/original.y4m --size 1280x720 --frames 50
+  ffmpeg -v error -y -i $out/original.y4m -c:v mpeg4 -q:v 3 -colorspace bt709 \
+    -color_primaries bt709 -color_trc bt709 -color_range tv $out/video.mp4
+}
+
+# Prints some of what `info` says of a file, in one line.
+described() {
+  "$tool" info "$1" | sed -n 's/ (.*//; s/^frames *\(.*\)/\1 frames/p
+    s/^\(format\|size\|range\|matrix\)  *//p' | paste -sd' '
+}
+
+# Prints the peak signal-to-noise ratio of each channel, in one line.
+quality() {
+  "$tool" compare "$@" | sed -n 's/  \(.* dB\),.*/ \1/p' | paste -sd' '
+}
+
 video() {
   if ! command -v ffmpeg >/dev/null; then
     row "real video" "-" "left out: ffmpeg is not installed"
     return
   fi
-  "$tool" testcard - --size 1280x720 --frames 50 --to y4m |
-    ffmpeg -v error -y -i - -c:v mpeg4 -q:v 3 -color_range tv -colorspace bt709 \
-      -color_primaries bt709 -color_trc bt709 $out/video.mp4
-  ffmpeg -v error -i $out/video.mp4 -pix_fmt yuv420p -f yuv4mpegpipe - |
-    "$tool" convert - $out/video-small.y4m --resize 640x
-  "$tool" convert $out/video-small.y4m $out/video.png --quiet
-  "$tool" convert $out/testcard.png $out/video-wanted.png --resize 640x
+  encode
+  ffmpeg -v error -y -i $out/video.mp4 $out/video.y4m
+  "$tool" convert $out/video.y4m $out/video-small.y4m --resize 640x
+  "$tool" convert $out/video.y4m $out/video.png --frames 20:1 --resize 640x
+  "$tool" convert $out/original.y4m $out/original.png --frames 20:1 --resize 640x
   row "video, encoded by ffmpeg" $out/video.mp4 "50 frames, MPEG-4"
-  row "decoded, scaled through a pipe" $out/video-small.y4m \
-    "$("$tool" info $out/video-small.y4m | awk '{ value[$1] = $2 } END {
-      print value["frames"], "frames", value["format"] ", " value["size"] ", " \
-        value["range"] " range, " value["matrix"] }')"
+  row "decoded by ffmpeg" $out/video.y4m "$(described $out/video.y4m)"
+  row "scaled" $out/video-small.y4m "$(described $out/video-small.y4m)"
   row "one of its frames" $out/video.png "640x360"
-  row "how far it is from the test card" $out/video-wanted.png \
-    "$("$tool" compare $out/video.png $out/video-wanted.png | awk '/dB/ {
-      printf "%s%s %s", separator, $1, $2; separator = ", " } END { print " dB" }')"
+  row "the same, before the encoder" $out/original.png \
+    "$(quality $out/video.png $out/original.png)"
 }
 
 require_all
@@ -99,7 +121,8 @@ mkdir -p $out
 camera_frames
 preview
 thumbnail
-rotation
+square
+turns
 tiled_round_trip
 video
 
