@@ -13,19 +13,22 @@ namespace {
 
 // Where files are mapped, for the signal handler. No more are open at the same time.
 struct Place {
-  std::atomic<uintptr_t> start{0};
-  std::atomic<uintptr_t> end{0};
+  std::atomic<char*> start{nullptr};
+  std::atomic<size_t> size{0};
 };
 Place places[2];
 
 // Access to a page that the file no longer has. The pages from there on become zeros of
 // the program's own, and the access is tried again.
 void onBusError(int number, siginfo_t* info, void*) {
-  const uintptr_t at = reinterpret_cast<uintptr_t>(info->si_addr);
+  const char* at = static_cast<const char*>(info->si_addr);
   for (const Place& place : places) {
-    if (at < place.start || at >= place.end) continue;
-    const uintptr_t page = at & ~uintptr_t(sysconf(_SC_PAGESIZE) - 1);
-    void* zeros = mmap(reinterpret_cast<void*>(page), place.end - page, PROT_READ,
+    char* start = place.start;
+    const size_t size = place.size;
+    if (start == nullptr || at < start || at >= start + size) continue;
+    const size_t pageSize = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t page = static_cast<size_t>(at - start) / pageSize * pageSize;
+    void* zeros = mmap(start + page, size - page, PROT_READ,
                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
     if (zeros != MAP_FAILED) return;
   }
@@ -50,7 +53,7 @@ MappedFile::MappedFile(int descriptor) : descriptor_(descriptor) {
     return;
   Place* place = nullptr;
   for (Place& free : places) {
-    if (free.end == 0) place = &free;
+    if (free.start == nullptr) place = &free;
   }
   if (place == nullptr) return;
   const size_t size = static_cast<size_t>(status.st_size);
@@ -60,14 +63,14 @@ MappedFile::MappedFile(int descriptor) : descriptor_(descriptor) {
   surviveBusErrors();
   data_ = static_cast<const uint8_t*>(data);
   size_ = size;
-  place->start = reinterpret_cast<uintptr_t>(data);
-  place->end = place->start + size;
+  place->size = size;
+  place->start = static_cast<char*>(data);
 }
 
 MappedFile::~MappedFile() {
   if (data_ == nullptr) return;
   for (Place& place : places) {
-    if (place.start == reinterpret_cast<uintptr_t>(data_)) place.end = place.start = 0;
+    if (place.start == reinterpret_cast<const char*>(data_)) place.start = nullptr;
   }
   munmap(const_cast<uint8_t*>(data_), size_);
 }

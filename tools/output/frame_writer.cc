@@ -49,7 +49,7 @@ template <class Writer>
 class PngWriter : public Writer {
  public:
   template <class... Args>
-  PngWriter(const FrameKind& kind, const Args&... args)
+  explicit PngWriter(const FrameKind& kind, const Args&... args)
       : Writer(args...), kind_(kind) {}
 
   Piece encode(Piece frame, uint64_t, std::vector<uint8_t>* own) const override {

@@ -140,7 +140,7 @@ class Stream {
     const bool fresh = out == nullptr;
     if (fresh) {
       out = slot->out.reserve(before.size() + bytes);
-      memcpy(out, before.data(), before.size());
+      std::copy(before.begin(), before.end(), out);
     }
     out += before.size();
     const ZelmFrame to = work_.to.at(out);

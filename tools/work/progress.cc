@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cinttypes>
+#include <cmath>
 #include <cstdio>
 
 namespace zelm_tool {
@@ -39,7 +40,8 @@ void Progress::print(Clock::time_point now) {
           seconds > 0 ? done / seconds : 0.0);
   if (total_ && *total_ >= frames_) {
     const double all = static_cast<double>(*total_);
-    const uint64_t left = static_cast<uint64_t>(seconds / done * (all - done) + 0.5);
+    const uint64_t left =
+        static_cast<uint64_t>(std::llround(seconds / done * (all - done)));
     fprintf(stderr, ", %.0f %%, %" PRIu64 ":%02u left", 100 * done / all, left / 60,
             static_cast<unsigned>(left % 60));
   }
