@@ -8,7 +8,8 @@
 (720, 1280, 3)
 """
 
-from .clip import Clip, convert_clip
+from .clip import Clip
+from .converted import convert_clip
 from .formats import names as format_names
 from .plan import Plan, convert
 from .tensor import letterbox, to_tensor

@@ -2,20 +2,16 @@
 
 from __future__ import annotations
 
-import importlib
-import importlib.util
 import mmap
 import os
-import tempfile
 from pathlib import Path
-from typing import Any, Callable, Iterator, Optional, Union, overload
+from typing import Any, Iterator, Optional, Union, overload
 
 import numpy as np
 
 from . import formats, frames
 from ._native import lib
-from .frames import Array, Frame, Size
-from .plan import Plan
+from .frames import Array, Size
 
 _MAGIC = b"YUV4MPEG2 "
 _MOST_LINE = 4096
@@ -178,67 +174,3 @@ class Clip:
 
     def __iter__(self) -> Iterator[Array]:
         return (self._frame(start) for start in self._starts)
-
-
-def convert_clip(
-    src: Clip,
-    dst: Union[str, "os.PathLike[str]"],
-    format: str,
-    *,
-    progress: Optional[Callable[[int, int], None]] = None,
-    **options: Any,
-) -> None:
-    """Converts all frames of a clip into a raw file, or a Y4M file by its name.
-
-    ``options`` are those of :class:`Plan`; the source's colours are the clip's unless they
-    say otherwise. ``progress`` is called with the number of frames done and of all; without
-    it a bar is shown where tqdm is installed. The file appears under its name when it is
-    complete.
-    """
-    options = {"src_matrix": src.matrix, "src_range": src.range, **options}
-    plan = Plan(src.format, format, size=src.size, **options)
-    target = Path(dst)
-    y4m = target.suffix.lower() == ".y4m"
-    out = frames.empty(formats.named(format), plan.out_size)
-    header = _header(src, format, plan, options) if y4m else b""
-    steps: Iterator[Frame] = iter(src)
-    if progress is None:
-        steps = _with_bar(steps, len(src))
-    handle, temporary = tempfile.mkstemp(prefix=".zelm-", dir=target.parent)
-    try:
-        with open(handle, "wb") as file:
-            file.write(header)
-            for done, frame in enumerate(steps, 1):
-                plan(frame, out)
-                if y4m:
-                    file.write(b"FRAME\n")
-                file.write(out.data)
-                if progress is not None:
-                    progress(done, len(src))
-        mask = os.umask(0)
-        os.umask(mask)
-        os.chmod(temporary, 0o666 & ~mask)
-        os.replace(temporary, target)
-    except BaseException:
-        os.unlink(temporary)
-        raise
-
-
-def _header(src: Clip, format: str, plan: Plan, options: dict[str, Any]) -> bytes:
-    tags = {"i420": "420jpeg", "i422": "422", "gray": "mono"}
-    name = formats.named(format).name
-    if name not in tags:
-        raise ValueError(f"Y4M holds {', '.join(tags)} and cannot hold {name}")
-    value_range, matrix = plan.out_range, plan.out_matrix
-    line = f"YUV4MPEG2 W{plan.out_size[0]} H{plan.out_size[1]} F{src.rate or '25:1'} Ip A1:1"
-    line += f" C{tags[name]} XCOLORRANGE={value_range.upper()}"
-    if matrix != usual_matrix(plan.out_size):
-        line += f" XCOLORMATRIX={matrix.upper().replace('BT', 'BT.')}"
-    return line.encode() + b"\n"
-
-
-def _with_bar(steps: Iterator[Frame], total: int) -> Iterator[Frame]:
-    if importlib.util.find_spec("tqdm") is None:
-        return steps
-    bar = importlib.import_module("tqdm").tqdm
-    return iter(bar(steps, total=total, unit=" frames"))
