@@ -2,6 +2,8 @@
 
 import os
 import signal
+import subprocess
+import sys
 
 import numpy as np
 import pytest
@@ -89,7 +91,11 @@ def test_the_command(clip, tmp_path, capsys):
     sized = [*arguments, "--size", "64x48", "--frames-per-task", "10", "--digests"]
     with local(1) as machines:
         assert cluster.main([*sized, "--scheduler", machines.scheduler_address]) == 0
-    assert len(capsys.readouterr().out.splitlines()) == 3
+    lines = capsys.readouterr().out
+    assert len(lines.splitlines()) == 3
+    command = [sys.executable, "-m", "zelm_imageutil.cluster", *sized]
+    again = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True)
+    assert again.stdout == lines
     made = np.fromfile(tmp_path / "a.rgb24", np.uint8)
     convert_clip(clip, tmp_path / "b.rgb24", "rgb24", progress=lambda *n: None)
     np.testing.assert_array_equal(made, np.fromfile(tmp_path / "b.rgb24", np.uint8))

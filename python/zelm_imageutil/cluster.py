@@ -207,4 +207,5 @@ def main(arguments: Optional[Sequence[str]] = None) -> int:
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    # Workers know what they run by the module's own name.
+    sys.exit(importlib.import_module("zelm_imageutil.cluster").main())
