@@ -82,6 +82,9 @@ TEST_F(ToolTest, CompareTellsEqualFromDifferent) {
            10 * std::log10(255.0 * 255 * 24 / (apart * apart + 16 * 16)), uint8_t(v[5]),
            uint8_t(v[5] ^ 3));
   EXPECT_EQ(result.out + result.err, expected);
+  // Frames keep the numbers that they have in the file.
+  result = sized("b.yuv420p", "c.yuv420p", "--frames 1:1");
+  EXPECT_NE(result.out.find("frame 2, pixel 2,2"), std::string::npos) << result.out;
   EXPECT_EQ(result.status, 1);
 
   // More frames in one of them.

@@ -77,6 +77,7 @@ class Side {
   }
 
   const FrameKind& kind() const { return source_->kind(); }
+  uint64_t firstNumber() const { return source_->firstNumber(); }
   void compareAs(uint32_t format) {
     compared_ = kind();
     compared_.format = &formatOf(format);
@@ -104,7 +105,9 @@ class Side {
 
 class Comparison {
  public:
-  Comparison(uint32_t format, Size size) : channels_(channelsOf(format, size)) {}
+  // `first` is the number of the first frame in its file, from 1 on.
+  Comparison(uint32_t format, Size size, uint64_t first)
+      : channels_(channelsOf(format, size)), firstNumber_(first) {}
 
   void add(const ZelmFrame& a, const ZelmFrame& b) {
     ++frames_;
@@ -154,13 +157,15 @@ class Comparison {
     char text[160];
     snprintf(text, sizeof text,
              "first difference: frame %" PRIu64 ", pixel %u,%u: %s is %d and %d",
-             frames_, x * channel.across, y * channel.down, channel.name, a, b);
+             firstNumber_ + frames_ - 1, x * channel.across, y * channel.down,
+             channel.name, a, b);
     first_ = text;
   }
 
   const std::vector<Channel> channels_;
   std::array<uint64_t, 4> squares_ = {};
   std::array<int, 4> largest_ = {};
+  const uint64_t firstNumber_;
   uint64_t frames_ = 0;
   std::string first_;
 };
@@ -178,7 +183,7 @@ bool runCompare(const CompareOptions& options) {
   }
   a.compareAs(format);
   b.compareAs(format);
-  Comparison comparison(format, a.kind().size);
+  Comparison comparison(format, a.kind().size, a.firstNumber());
   ZelmFrame frameA, frameB;
   bool moreA = a.next(&frameA), moreB = b.next(&frameB);
   for (; moreA && moreB; moreA = a.next(&frameA), moreB = b.next(&frameB)) {

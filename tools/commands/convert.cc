@@ -14,8 +14,8 @@ namespace {
 // Luma alone is the first plane of a frame that has more of them.
 FrameKind lumaOf(FrameKind kind) {
   if (!kind.format->hasLumaPlane()) {
-    fail(kind.format->name,
-         " has no separate luma plane, which --luma-only would take");
+    fail(kind.format->name, " has no separate luma plane in rows, which --luma-only ",
+         "would take; --to gray makes luma of any format");
   }
   kind.format = &formatOf(ZELM_GRAY8);
   return kind;

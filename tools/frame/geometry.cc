@@ -119,7 +119,7 @@ Point parsePoint(const std::string& option, const std::string& text) {
 bool isFit(const std::string& resize) { return resize.rfind(kFit, 0) == 0; }
 
 Size parseResize(const std::string& option, const std::string& text, Size size) {
-  uint32_t n[2];
+  uint32_t n[2] = {};
   Size result;
   if (scan(text, "x", n)) {
     result = {n[0], n[1]};
@@ -128,8 +128,6 @@ Size parseResize(const std::string& option, const std::string& text, Size size) 
     result = largestInside({n[0], n[1]}, size);
   } else if (!text.empty() && text.back() == '%' &&
              scan(text.substr(0, text.size() - 1), "", n)) {
-    if (n[0] == 0)
-      fail(option, " ", text, ": nothing would be left; 1% or more would do");
     result = {evenSide(n[0], size.width, 100), evenSide(n[0], size.height, 100)};
   } else if (!text.empty() && tolower(text.back()) == 'x' &&
              scan(text.substr(0, text.size() - 1), "", n)) {
@@ -140,6 +138,8 @@ Size parseResize(const std::string& option, const std::string& text, Size size) 
   } else {
     fail(option, " ", text, ": expected 640x360, 640x, x360, 50% or fit:640x640");
   }
+  const bool exact = result.width == n[0] && result.height == n[1];
+  if (n[0] == 0 && !exact) fail(option, " ", text, ": nothing would be left");
   requireFrameSize(option, result);
   return result;
 }
