@@ -8,31 +8,38 @@
 #   REGEX       only rows whose name matches
 # Clips lie in memory (in ZELM_BENCH_FOLDER, /dev/shm unless given; about 2 GB). Every row
 # is timed to a file there, to /dev/null, and through pipes with cat at both ends. The
-# contenders take turns, and the least time of all rounds counts. Installs missing packages
-# as root.
+# contenders take turns, and the least time of all rounds counts. Each has to succeed, and
+# all have to write equally many bytes of frames. Installs missing packages as root.
 set -euo pipefail
+shopt -s inherit_errexit
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 # shellcheck source=scripts/processor.sh
 . scripts/processor.sh
 
-rounds=7
+rounds=5
+quick=false
 before=''
 store=false
 wanted=.
 for argument in "$@"; do
   case $argument in
-    --quick) rounds=3 ;;
+    --quick) quick=true rounds=3 ;;
     --before=*) before=$(realpath "${argument#*=}") ;;
     --store) store=true ;;
     [!-]*) wanted=$argument ;;
     *)
-      sed -n '3,13s/^# *//p' scripts/bench-tool.sh >&2
+      sed -n '3,14s/^# *//p' scripts/bench-tool.sh >&2
       exit 2
       ;;
   esac
 done
+
+if $store && { $quick || [ "$wanted" != . ]; }; then
+  echo "$0: what is stored has all rows at full length" >&2
+  exit 2
+fi
 
 # shellcheck disable=SC2086  # a list of words
 require_packages $build_packages ffmpeg >&2
@@ -53,11 +60,19 @@ clip() {
   rm "$work/drawn.nv12"
 }
 
+# run COMMAND: pipes fail if any part does.
+run() {
+  bash -o pipefail -c "$1" || {
+    echo "$0: this failed: $1" >&2
+    exit 1
+  }
+}
+
 # once COMMAND: microseconds of wall time.
 once() {
   local start end
   start=$(date +%s%N)
-  bash -c "$1" 2>/dev/null
+  run "$1"
   end=$(date +%s%N)
   echo $(((end - start) / 1000))
 }
@@ -75,17 +90,39 @@ least() {
   echo "${best[@]}"
 }
 
+# payload FILE: its bytes without the header of Y4M, which names what not all write.
+payload() {
+  local bytes
+  bytes=$(stat -c %s "$1")
+  if [[ $1 == *.y4m ]]; then bytes=$((bytes - $(sed q "$1" | wc -c))); fi
+  echo "$bytes"
+}
+
+# check_sizes NAME FILE COMMAND...: as many bytes from each, or their times mean nothing.
+check_sizes() {
+  local command bytes=()
+  for command in "${@:3}"; do
+    rm -f "$2"
+    run "$command"
+    bytes+=("$(payload "$2")")
+    if [ "${bytes[-1]}" -ne "${bytes[0]}" ]; then
+      echo "$0: $1: frames of ${bytes[*]} bytes" >&2
+      exit 1
+    fi
+  done
+}
+
 # timed ROW WAY OURS THEIRS [BEFORE]: a line of the table.
 timed() {
-  local best
-  # shellcheck disable=SC2046,SC2207  # numbers
-  best=($(least "${@:3}"))
+  local times best
+  times=$(least "${@:3}")
+  read -r -a best <<<"$times"
   printf '%s,%s,%s,%s,%s\n' "$1" "$2" "${best[0]}" "${best[1]}" "${best[2]:-}" \
     >>"$results"
   awk -F, -v row="$1" -v way="$2" -v a="${best[0]}" -v b="${best[1]}" \
     -v c="${best[2]:-}" 'BEGIN {
-      printf "%-28s %-10s %8.1f %8.2f", row, way, a / 1000, b / a
-      if (c != "") printf " %8.2f", c / a
+      printf "%-28s %-10s %8.1f %8.1f %6.2f", row, way, a / 1000, b / 1000, b / a
+      if (c != "") printf " %8.1f %6.2f", c / 1000, c / a
       print ""
     }'
 }
@@ -118,21 +155,7 @@ row() {
     fi
     commands=("${commands[@]//IN/$from}")
     commands=("${commands[@]//OUT/$out}")
-    # The same number of bytes, or the row means nothing.
-    if [ "$i" -eq 0 ]; then
-      local bytes=() command
-      for command in "${commands[@]}"; do
-        rm -f "$out"
-        bash -c "$command"
-        bytes+=("$(tail -c +200 "$out" | wc -c)")
-      done
-      for command in "${bytes[@]}"; do
-        if [ $((command / 10000)) -ne $((bytes[0] / 10000)) ]; then
-          echo "$name: outputs of ${bytes[*]} bytes" >&2
-          exit 1
-        fi
-      done
-    fi
+    if [ "$i" -eq 0 ]; then check_sizes "$name" "$out" "${commands[@]}"; fi
     timed "$name" "$way" "${commands[@]}"
   done
 }
@@ -144,7 +167,9 @@ row() {
   echo "# ffmpeg: $(ffmpeg -version | sed -n '1s/ffmpeg version \([^ ]*\).*/\1/p')"
   echo "row,way,us,ffmpeg us,before us"
 } >"$results"
-printf '%-28s %-10s %8s %8s %8s\n' "Row" "to" "ms" "ffmpeg" "before"
+printf '%-28s %-10s %8s %8s %6s' "Row" "to" "ms" "ffmpeg" "ratio"
+if [ -n "$before" ]; then printf ' %8s %6s' "before" "ratio"; fi
+echo
 
 clip hd 1920x1080 5 20
 old="convert IN OUT --from nv12 --size 1920x1080 --to rgba" \
