@@ -19,7 +19,7 @@ convert() {
 enlarged() {
   local filter
   for filter in nearest linear cubic; do
-    convert card.png $filter.png --crop 202,278,32x20 --resize 160x --filter $filter
+    convert card.png $filter.png --crop 240,260,32x20 --resize 160x --filter $filter
   done
   beside "$out/enlarged.png" nearest.png linear.png cubic.png
 }
