@@ -180,7 +180,7 @@ old="convert IN OUT --to y4m --resize 640x360" \
   row "1080p y4m to 640x360" hd.y4m 1920x1080 y4m "--resize 640x360" \
   scale=640:360:flags=bilinear yuv420p
 old="convert IN OUT --to y4m --resize 1280x720 --filter cubic" \
-  row "1080p y4m to 720p, cubic" hd.y4m 1920x1080 y4m \
+  row "1080p y4m to 720p cubic" hd.y4m 1920x1080 y4m \
   "--resize 1280x720 --filter cubic" scale=1280:720:flags=bicubic yuv420p
 old="rotate IN OUT --to y4m --angle 90" \
   row "1080p y4m turned by 90" hd.y4m 1920x1080 y4m "--rotate 90" transpose=1 yuv420p
