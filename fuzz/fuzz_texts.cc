@@ -87,8 +87,7 @@ void checkRatio(const std::string& text, uint64_t a, uint64_t b) {
 }
 
 void checkColour(const std::string& range, const std::string& matrix) {
-  const zelm_tool::ColourRequest asked =
-      zelm_tool::parseColour("--range", range, "--matrix", matrix);
+  const zelm_tool::ColourRequest asked = zelm_tool::parseColour("--", {range, matrix});
   const zelm_tool::InputColour colour = zelm_tool::chooseInputColour(
       asked, {}, zelm_tool::Range::kLimited, zelm_tool::Matrix::kBt2020);
   check(colour.colour <= ZELM_BT2020_LIMITED, "an unknown colour");
