@@ -371,7 +371,8 @@ TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
     for (int layout = 0; layout < 6; ++layout) {
       const RgbLayout format = static_cast<RgbLayout>(layout);
       const size_t pixelBytes = bytesOf(format);
-      for (const size_t pixels : {1, 2, 3, 4, 33, 34, 35, 66, 67, 130, 131, 200}) {
+      for (const size_t pixels :
+           {1, 2, 3, 4, 15, 16, 17, 33, 34, 35, 66, 67, 130, 131, 200}) {
         for (int order = 0; order < 8; ++order) {
           const Guard guard = order % 2 == 0 ? Guard::kBehind : Guard::kBefore;
           const size_t chromaBytes = (pixels + 1) / 2 * 2;

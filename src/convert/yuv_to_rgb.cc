@@ -87,20 +87,22 @@ void rgbRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma, size_t p
 }
 
 template <class Format, bool kBlueFirst>
-constexpr RgbKernels kernelsFor() {
+RgbKernels kernelsFor([[maybe_unused]] size_t pixels) {
+  RgbKernels kernels = {rgbRow<Format, kBlueFirst>, nullptr, nullptr};
 #if ZELM_X86 && HWY_TARGET == HWY_AVX2
-  return {rgbRow<Format, kBlueFirst>, expandChroma, rgbRowOfSums<Format, kBlueFirst>};
-#else
-  return {rgbRow<Format, kBlueFirst>, nullptr, nullptr};
+  if (pixels >= kLeastPixels) {
+    kernels.expand = expandChroma;
+    kernels.rowOfSums = rgbRowOfSums<Format, kBlueFirst>;
+  }
 #endif
+  return kernels;
 }
 
-RgbKernels kernelsOf(RgbLayout layout) {
-  const RgbKernels kernels[] = {
-      kernelsFor<Rgb888, false>(),   kernelsFor<Rgb888, true>(),
-      kernelsFor<Rgba8888, false>(), kernelsFor<Rgba8888, true>(),
-      kernelsFor<Rgb565, true>(),    kernelsFor<Rgb565, false>()};
-  return kernels[static_cast<int>(layout)];
+RgbKernels kernelsOf(RgbLayout layout, size_t pixels) {
+  RgbKernels (*const kernels[])(size_t) = {
+      kernelsFor<Rgb888, false>,  kernelsFor<Rgb888, true>, kernelsFor<Rgba8888, false>,
+      kernelsFor<Rgba8888, true>, kernelsFor<Rgb565, true>, kernelsFor<Rgb565, false>};
+  return kernels[static_cast<int>(layout)](pixels);
 }
 
 }  // namespace
@@ -112,13 +114,15 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-// Columns that are converted from top to bottom at a time, where chroma is expanded: so
-// many that three rows of sums fit the first-level cache.
+// Columns that are converted from top to bottom at a time, where chroma is expanded.
+// Their two rows of sums take 32 KiB of the stack; narrower strips would break rows of
+// the destination into pieces, which takes up to 1.25 of the time.
 static constexpr size_t kStrip = 4096;
 
 // The last pair is left to plain code.
 RgbRows::RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels)
-    : kernels_(ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(layout)),
+    : kernels_(ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(layout,
+                                                                              pixels)),
       colour_(colour),
       uFirst_(uFirst) {}
 

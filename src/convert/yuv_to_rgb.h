@@ -48,8 +48,8 @@ struct ChromaSums {
 };
 
 // Kernels for rows of some length. With some instruction sets chroma rows are expanded
-// once and serve several rows; with others, for which the last two are null, each row
-// takes them as they are.
+// once and serve several rows; with others and for short rows, for which the last two
+// are null, each row takes them as they are.
 struct RgbKernels {
   RgbRow* row;
   void (*expand)(int16_t* sums, const uint8_t* pairs, size_t pixels, RowEnds ends);
