@@ -15,8 +15,8 @@ shopt -s inherit_errexit
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
-# shellcheck source=scripts/processor.sh
-. scripts/processor.sh
+# shellcheck source=scripts/measuring.sh
+. scripts/measuring.sh
 
 rounds=5
 quick=false
@@ -42,7 +42,7 @@ if $store && { $quick || [ "$wanted" != . ]; }; then
 fi
 
 # shellcheck disable=SC2086  # a list of words
-require_packages $build_packages ffmpeg >&2
+require_packages $demo_packages >&2
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DZELM_BUILD_TOOL=ON >/dev/null
 cmake --build build -j "$(nproc)" --target zelm-imageutil >/dev/null
 tool=$PWD/build/tools/zelm-imageutil
@@ -161,8 +161,7 @@ row() {
 }
 
 {
-  echo "# date: $(date -u +%F)"
-  echo "# source: $(git describe --always --dirty 2>/dev/null || echo unknown)"
+  provenance
   echo "# processor: $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1), $(nproc) at a time"
   echo "# ffmpeg: $(ffmpeg -version | sed -n '1s/ffmpeg version \([^ ]*\).*/\1/p')"
   echo "row,way,us,ffmpeg us,before us"

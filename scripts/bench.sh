@@ -17,8 +17,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
-# shellcheck source=scripts/processor.sh
-. scripts/processor.sh
+# shellcheck source=scripts/measuring.sh
+. scripts/measuring.sh
 
 word=peers
 ceiling=all
@@ -56,8 +56,7 @@ build() {
 measure() {
   local file=build-bench/$1.csv
   {
-    echo "# date: $(date -u +%F)"
-    echo "# source: $(git describe --always --dirty 2>/dev/null || echo unknown)"
+    provenance
     build-bench/bench/zelm-bench "${@:3}" "${options[@]}"
   } | tee "$file" | awk -f "bench/$2_table.awk"
   echo "Values: $file"

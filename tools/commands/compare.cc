@@ -8,7 +8,7 @@
 #include "commands/commands.h"
 #include "failure.h"
 #include "input/frame_source.h"
-#include "work/plan.h"
+#include "process/plan.h"
 
 namespace zelm_tool {
 namespace {

@@ -6,7 +6,7 @@
 #include "commands/output_colour.h"
 #include "failure.h"
 #include "input/frame_source.h"
-#include "work/process_frames.h"
+#include "process/process_frames.h"
 
 namespace zelm_tool {
 namespace {

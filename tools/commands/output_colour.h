@@ -7,7 +7,7 @@
 #include "input/frame_source.h"
 #include "options/options.h"
 #include "output/target.h"
-#include "work/process_frames.h"
+#include "process/process_frames.h"
 
 namespace zelm_tool {
 

@@ -2,9 +2,8 @@
 #include "commands/commands.h"
 #include "commands/output_colour.h"
 #include "commands/test_card.h"
-#include "failure.h"
 #include "input/frame_source.h"
-#include "work/process_frames.h"
+#include "process/process_frames.h"
 
 namespace zelm_tool {
 namespace {
@@ -23,11 +22,7 @@ class CardFrames : public FrameSource {
   bool isPicture() const override { return true; }
   std::optional<uint64_t> count() const override { return frames_; }
   void limitToOne() override {
-    if (frames_ > 1) {
-      fail("--frames ", frames_,
-           ": a PNG holds one frame; for more the name needs a number, such as ",
-           "out-%03d.png");
-    }
+    if (frames_ > 1) failMoreThanOne(frames_);
   }
   const uint8_t* next(Buffer* buffer) override {
     if (drawn_ == frames_) return nullptr;

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "failure.h"
+#include "pipe.h"
 
 namespace zelm_tool {
 namespace {
@@ -19,7 +20,6 @@ constexpr size_t kMaxLine = 4096;
 constexpr size_t kAhead = 16384;
 // A buffer grows by this much at a time while bytes arrive.
 constexpr size_t kPiece = size_t{1} << 22;
-constexpr int kPipeBytes = 1 << 20;
 
 int openInput(const std::string& path) {
   return path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -37,7 +37,7 @@ ByteSource::ByteSource(const std::string& path)
     position_ = std::min(file_.size(), static_cast<size_t>(std::max<off_t>(start, 0)));
     return;
   }
-  fcntl(descriptor_, F_SETPIPE_SZ, kPipeBytes);  // of no use where it fails
+  enlargePipe(descriptor_);
   if (pipe2(stop_, O_CLOEXEC) != 0) fail(name_, ": cannot be read: ", strerror(errno));
 }
 

@@ -78,10 +78,7 @@ std::optional<uint64_t> FileFrames::count() const {
 }
 
 void FileFrames::limitToOne() {
-  if (limit_ != UINT64_MAX && limit_ > 1) {
-    fail("--frames ", limit_, ": a PNG holds one frame; for more the name needs a ",
-         "number, such as out-%03d.png");
-  }
+  if (limit_ != UINT64_MAX && limit_ > 1) failMoreThanOne(limit_);
   limit_ = 1;
 }
 

@@ -41,6 +41,10 @@ class FrameSource {
   virtual void requireWhole() const {}
   // Ends a next() that waits in another thread.
   virtual void stop() {}
+
+ protected:
+  // For limitToOne(), when so many frames were asked for.
+  [[noreturn]] static void failMoreThanOne(uint64_t frames);
 };
 
 // Opens what the options name. Fails in words on what holds no frames.

@@ -17,6 +17,11 @@ bool isRawByName(const InputOptions& options) {
 
 }  // namespace
 
+void FrameSource::failMoreThanOne(uint64_t frames) {
+  fail("--frames ", frames, ": a PNG holds one frame; for more the name needs a ",
+       "number, such as out-%03d.png");
+}
+
 std::unique_ptr<FrameSource> openFrames(const InputOptions& options) {
   auto source = std::make_unique<ByteSource>(options.path);
   const size_t magic = sizeof kY4mMagic - 1;

@@ -14,11 +14,10 @@
 #include <cstring>
 
 #include "failure.h"
+#include "pipe.h"
 
 namespace zelm_tool {
 namespace {
-
-constexpr int kPipeBytes = 1 << 20;
 
 // The name that the signal handler removes.
 char unfinished[PATH_MAX];
@@ -61,7 +60,7 @@ OutputFile::OutputFile(const std::string& path, int input)
         standard_ ? STDOUT_FILENO : open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
     if (descriptor_ < 0) failWriting();
     requireOther(input);
-    fcntl(descriptor_, F_SETPIPE_SZ, kPipeBytes);  // of no use where it fails
+    enlargePipe(descriptor_);
     return;
   }
   if (exists) {

@@ -1,6 +1,6 @@
 // The progress line on a terminal.
-#ifndef ZELM_TOOLS_WORK_PROGRESS_H
-#define ZELM_TOOLS_WORK_PROGRESS_H
+#ifndef ZELM_TOOLS_PROCESS_PROGRESS_H
+#define ZELM_TOOLS_PROCESS_PROGRESS_H
 
 #include <chrono>
 #include <cstdint>
@@ -33,4 +33,4 @@ class Progress {
 
 }  // namespace zelm_tool
 
-#endif  // ZELM_TOOLS_WORK_PROGRESS_H
+#endif  // ZELM_TOOLS_PROCESS_PROGRESS_H

@@ -1,6 +1,6 @@
 // Reading, converting and writing all frames of an input.
-#ifndef ZELM_TOOLS_WORK_PROCESS_FRAMES_H
-#define ZELM_TOOLS_WORK_PROCESS_FRAMES_H
+#ifndef ZELM_TOOLS_PROCESS_PROCESS_FRAMES_H
+#define ZELM_TOOLS_PROCESS_PROCESS_FRAMES_H
 
 #include <functional>
 
@@ -29,4 +29,4 @@ void processFrames(FrameSource& source, const Work& work,
 
 }  // namespace zelm_tool
 
-#endif  // ZELM_TOOLS_WORK_PROCESS_FRAMES_H
+#endif  // ZELM_TOOLS_PROCESS_PROCESS_FRAMES_H

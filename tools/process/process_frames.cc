@@ -1,5 +1,5 @@
 // The loop over the frames of an input, on all processors.
-#include "work/process_frames.h"
+#include "process/process_frames.h"
 
 #include <string.h>
 
@@ -9,8 +9,8 @@
 #include <mutex>
 #include <thread>
 
-#include "work/plan.h"
-#include "work/progress.h"
+#include "process/plan.h"
+#include "process/progress.h"
 
 namespace zelm_tool {
 namespace {

@@ -1,5 +1,5 @@
 // Prints how many frames were processed, several times a second.
-#include "work/progress.h"
+#include "process/progress.h"
 
 #include <unistd.h>
 

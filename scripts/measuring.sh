@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by the scripts beside it that measure: what to call this machine's kind.
+# Sourced by the scripts beside it that measure: what their values are of.
 
 # The highest instruction set that the library has kernels for and this machine runs.
 processor_kind() {
@@ -15,4 +15,10 @@ processor_kind() {
     return
   done
   uname -m
+}
+
+# The first lines of a file of values: when, and of which state of the sources.
+provenance() {
+  echo "# date: $(date -u +%F)"
+  echo "# source: $(git describe --always --dirty 2>/dev/null || echo unknown)"
 }

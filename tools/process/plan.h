@@ -1,6 +1,6 @@
 // A prepared conversion of the library, with its errors as failures.
-#ifndef ZELM_TOOLS_WORK_PLAN_H
-#define ZELM_TOOLS_WORK_PLAN_H
+#ifndef ZELM_TOOLS_PROCESS_PLAN_H
+#define ZELM_TOOLS_PROCESS_PLAN_H
 
 #include <zelm_frames.h>
 
@@ -25,4 +25,4 @@ void fillBlack(const ZelmFrame& frame);
 
 }  // namespace zelm_tool
 
-#endif  // ZELM_TOOLS_WORK_PLAN_H
+#endif  // ZELM_TOOLS_PROCESS_PLAN_H

@@ -1,5 +1,5 @@
 // Calls the library.
-#include "work/plan.h"
+#include "process/plan.h"
 
 #include <new>
 
