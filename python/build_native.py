@@ -35,6 +35,8 @@ typedef struct { char text[240]; } ZelmMessage;
 typedef struct ZelmPlan ZelmPlan;
 size_t zelmFrameBytes(uint32_t format, uint32_t width, uint32_t height,
                       size_t rowAlignment);
+int zelmFrameInit(ZelmFrame *frame, uint32_t format, uint32_t width, uint32_t height,
+                  void *buffer, size_t size, size_t rowAlignment);
 int zelmPlanCreate(ZelmPlan **plan, const ZelmFrame *dst, const ZelmFrame *src,
                    const ZelmEdit *edit, ZelmMessage *message);
 int zelmPlanBands(const ZelmPlan *plan);

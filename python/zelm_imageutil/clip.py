@@ -10,7 +10,6 @@ from typing import Any, Iterator, Optional, Union, overload
 import numpy as np
 
 from . import formats, frames
-from ._native import lib
 from .frames import Array, Size
 
 _MAGIC = b"YUV4MPEG2 "
@@ -68,16 +67,13 @@ class Clip:
             self._starts = self._open_y4m(format, size)
         else:
             self._starts = self._open_raw(format, size)
-        self._bytes = self._frame_bytes()
-
-    def _frame_bytes(self) -> int:
-        return int(lib.zelmFrameBytes(self._format.code, *self.size, 1))
+        self._bytes = frames.bytes_of(self._format, self.size)
 
     def _describe(self, format: str, size: Size, matrix: str, value_range: str) -> int:
         self._format = formats.named(format)
         self.format, self.size = self._format.name, (int(size[0]), int(size[1]))
         self.matrix, self.range = matrix, value_range
-        count = self._frame_bytes() if min(self.size) > 0 else 0
+        count = frames.bytes_of(self._format, self.size)
         if count == 0:
             raise ValueError(
                 f"{self.path}: there are no {format} frames of {size[0]}x{size[1]}"

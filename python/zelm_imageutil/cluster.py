@@ -12,15 +12,13 @@ from __future__ import annotations
 import argparse
 import hashlib
 import importlib
-import os
 import sys
 from functools import lru_cache
 from pathlib import Path
 from typing import Any, Callable, NamedTuple, Optional, Sequence, Tuple
 
-from . import formats, frames
 from .clip import Clip
-from .converted import Destination, Layout, appearing, prepare
+from .converted import Destination, Layout, appearing, prepare, write_frames
 from .plan import Plan
 
 Options = Tuple[Tuple[str, Any], ...]
@@ -55,14 +53,12 @@ def _opened(job: _Job) -> Tuple[Clip, Plan, Layout]:
 def _convert_range(job: _Job, temporary: str, first: int, count: int) -> str:
     """Runs on a worker: writes the frames of a range, and returns their digest."""
     clip, plan, layout = _opened(job)
-    out = frames.empty(formats.named(job.format), plan.out_size)
     digest = hashlib.sha256()
-    with open(temporary, "r+b", buffering=0) as file:
-        for index in range(first, first + count):
-            plan(clip[index], out)
-            piece = layout.before + out.tobytes()
-            os.pwrite(file.fileno(), piece, layout.start(index))
-            digest.update(piece)
+    with open(temporary, "r+b") as file:
+        file.seek(layout.start(first))
+        for made in write_frames(file, plan, layout, clip[first : first + count]):
+            digest.update(layout.before)
+            digest.update(made.data)
     return digest.hexdigest()
 
 
@@ -85,7 +81,7 @@ def convert_clip(
     """
     if frames_per_task < 1:
         raise ValueError(f"frames_per_task is 1 or more, not {frames_per_task}")
-    plan, layout = prepare(src, dst, format, options)
+    layout = prepare(src, dst, format, options)[1]
     job = _Job(
         str(Path(src.path).resolve()),
         src.format,

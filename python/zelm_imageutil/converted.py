@@ -8,7 +8,17 @@ import os
 import tempfile
 from contextlib import contextmanager
 from pathlib import Path
-from typing import Any, Callable, Iterator, NamedTuple, Optional, Tuple, Union
+from typing import (
+    Any,
+    BinaryIO,
+    Callable,
+    Iterable,
+    Iterator,
+    NamedTuple,
+    Optional,
+    Tuple,
+    Union,
+)
 
 from . import formats, frames
 from .clip import Clip, usual_matrix
@@ -38,7 +48,7 @@ def prepare(
     Y4M file. The colours are the clip's unless the options say otherwise."""
     colours: dict[str, Any] = {"src_matrix": src.matrix, "src_range": src.range}
     plan = Plan(src.format, format, size=src.size, **{**colours, **options})
-    count = frames.empty(formats.named(format), plan.out_size).nbytes
+    count = frames.bytes_of(formats.named(format), plan.out_size)
     if Path(dst).suffix.lower() != ".y4m":
         return plan, Layout(b"", b"", count)
     return plan, Layout(_header(src, format, plan), b"FRAME\n", count)
@@ -73,6 +83,18 @@ def appearing(dst: Destination) -> Iterator[Path]:
         raise
 
 
+def write_frames(
+    file: BinaryIO, plan: Plan, layout: Layout, steps: Iterable[Frame]
+) -> Iterator[frames.Array]:
+    """Writes converted frames one behind the other; each is valid until the next one."""
+    out = plan.empty()
+    for frame in steps:
+        plan(frame, out)
+        file.write(layout.before)
+        file.write(out.data)
+        yield out
+
+
 def convert_clip(
     src: Clip,
     dst: Destination,
@@ -89,16 +111,12 @@ def convert_clip(
     when it is complete.
     """
     plan, layout = prepare(src, dst, format, options)
-    out = frames.empty(formats.named(format), plan.out_size)
     steps: Iterator[Frame] = iter(src)
     if progress is None:
         steps = _with_bar(steps, len(src))
     with appearing(dst) as temporary, open(temporary, "wb") as file:
         file.write(layout.header)
-        for done, frame in enumerate(steps, 1):
-            plan(frame, out)
-            file.write(layout.before)
-            file.write(out.data)
+        for done, _ in enumerate(write_frames(file, plan, layout, steps), 1):
             if progress is not None:
                 progress(done, len(src))
 

@@ -41,6 +41,13 @@ def _rows(format: Format, height: int) -> int:
     return half(height) if format.rows_shared == 2 else height
 
 
+def bytes_of(format: Format, size: Size) -> int:
+    """The bytes of a frame without padding; 0 if there are no frames of that size."""
+    if min(size) < 1:
+        return 0
+    return int(lib.zelmFrameBytes(format.code, *size, 1))
+
+
 def shape_of(format: Format, size: Size) -> tuple[int, ...]:
     """The shape of a frame in one array of bytes, or of uint16 for formats of words."""
     width, height = size
@@ -58,7 +65,7 @@ def shape_of(format: Format, size: Size) -> tuple[int, ...]:
         and (format.rows_shared == 1 or height % 2 == 0)
     ):
         return (height + _rows(format, height), width)
-    return (int(lib.zelmFrameBytes(format.code, width, height, 1)),)
+    return (bytes_of(format, size),)
 
 
 def empty(format: Format, size: Size) -> Array:
@@ -193,32 +200,23 @@ def _whole_buffer(format: Format, array: Array, size: Optional[Size]) -> Planes 
         raise ValueError(
             f"{format.name} in an array of one axis needs size=(width, height)"
         )
-    needed = int(lib.zelmFrameBytes(format.code, *size, 1))
+    needed = bytes_of(format, size)
     if needed == 0 or array.shape != (needed,):
         raise _fail(format, f"of {size[0]}x{size[1]} has {needed} bytes", array)
     if array.strides[0] != 1:
         return None
-    found, start = [], 0
-    for rows, row_bytes in _packed_planes(format, size):
-        part = array[start : start + rows * row_bytes].reshape(rows, row_bytes)
-        found.append(Plane(part, row_bytes, 0, rows * row_bytes))
-        start += rows * row_bytes
-    return Planes(size, tuple(found))
-
-
-def _packed_planes(format: Format, size: Size) -> list[tuple[int, int]]:
-    """The rows of each plane, and the bytes of one. Rows of tiles count as rows."""
-    width, height = size
-    if format.layout == "tiles":
-        down, across = (height + 15) // 16, (width + 15) // 16
-        return [(down, 256 * across), (down, 128 * across)]
-    if not format.chroma:
-        columns = half(width) * 4 if format.code in (8, 9) else width * format.channels
-        return [(height, columns)]
-    rows, columns = _rows(format, height), half(width)
-    if format.layout == "pairs":
-        return [(height, width), (rows, 2 * columns)]
-    return [(height, width), (rows, columns), (rows, columns)]
+    record = ffi.new("ZelmFrame *")
+    start = ffi.cast("uint8_t *", array.__array_interface__["data"][0])
+    lib.zelmFrameInit(record, format.code, *size, start, needed, 1)
+    planes = [plane for plane in record.planes if plane.data != ffi.NULL]
+    offsets = [plane.data - start for plane in planes]
+    return Planes(
+        size,
+        tuple(
+            Plane(array[offset : offset + plane.size], plane.stride, 0, plane.size)
+            for plane, offset in zip(planes, offsets)
+        ),
+    )
 
 
 def _look(format: Format, frame: Frame, size: Optional[Size]) -> Planes | None:

@@ -20,6 +20,11 @@ def _message(code: int, message: Any) -> Exception:
     return ValueError(ffi.string(message.text).decode())
 
 
+def size_after(part: Size, rotate: int) -> Size:
+    """Width and height of a part of a frame after a turn."""
+    return (part[1], part[0]) if rotate in (90, 270) else (part[0], part[1])
+
+
 class Plan:
     """A conversion of frames of one format and size, prepared once.
 
@@ -74,10 +79,11 @@ class Plan:
             formats.colour(self.out_matrix, self.out_range),
         )
         part = size if crop is None else (crop[2], crop[3])
-        upright = part[::-1] if rotate in (90, 270) else part
         self.size: Size = (int(size[0]), int(size[1]))
         self.out_size: Size = (
-            upright if resize is None else (int(resize[0]), int(resize[1]))
+            size_after(part, rotate)
+            if resize is None
+            else (int(resize[0]), int(resize[1]))
         )
         code = formats.filter_code(filter)
         edit = ffi.new("ZelmEdit *")
@@ -95,7 +101,7 @@ class Plan:
 
     def _prepare(self, edit: Any) -> Any:
         for format, size in ((self._src, self.size), (self._dst, self.out_size)):
-            if not lib.zelmFrameBytes(format.code, *(max(side, 0) for side in size), 1):
+            if frames.bytes_of(format, size) == 0:
                 raise ValueError(
                     f"there are no {format.name} frames of {size[0]}x{size[1]}"
                 )
@@ -123,8 +129,15 @@ class Plan:
         Returns a new array, or ``out`` if that is given. Any number of threads may call it
         at the same time.
         """
-        source = frames.of_source(self._src, frame, self.size)
-        made: Frame = frames.empty(self._dst, self.out_size) if out is None else out
+        return self.run(frames.of_source(self._src, frame, self.size), out)
+
+    def empty(self) -> frames.Array:
+        """An array for a frame that is written, with any content."""
+        return frames.empty(self._dst, self.out_size)
+
+    def run(self, source: frames.Planes, out: Optional[Frame] = None) -> Any:
+        """The same for planes that have been found before."""
+        made: Frame = self.empty() if out is None else out
         target = frames.of_destination(self._dst, made, self.out_size)
         from_, to = self._records(source, target)
         if self._threads == 1:
@@ -192,11 +205,11 @@ def convert(
     (24, 32, 3)
     """
     format = formats.named(src)
-    known = frames.of_source(format, frame, size).size
+    planes = frames.of_source(format, frame, size)
     plan = _cached_plan(
         src,
         dst,
-        size=known,
+        size=planes.size,
         crop=None if crop is None else tuple(crop),
         resize=None if resize is None else tuple(resize),
         rotate=rotate,
@@ -208,4 +221,4 @@ def convert(
         dst_range=dst_range,
         threads=threads,
     )
-    return plan(frame, out)
+    return plan.run(planes, out)

@@ -9,7 +9,7 @@ import numpy.typing as npt
 
 from . import formats, frames
 from .frames import Array, Frame, Size
-from .plan import convert
+from .plan import convert, size_after
 
 
 def letterbox(size: Size, side: int) -> tuple[int, int, int, int]:
@@ -57,17 +57,14 @@ def to_tensor(
         raise ValueError(f"dtype is uint8 or float32, not {wanted}")
     if wanted == np.uint8 and (mean is not None or scale is not None):
         raise ValueError("mean and scale need dtype=float32")
-    known = frames.of_source(formats.named(src), frame, size).size
     if side is None:
         rgb = convert(frame, src, "rgb24", size=size, **options)
     else:
-        turned = known[::-1] if options.get("rotate", 0) in (90, 270) else known
         crop = options.get("crop")
-        if crop is not None:
-            turned = (crop[2], crop[3])
-            if options.get("rotate", 0) in (90, 270):
-                turned = turned[::-1]
-        x, y, width, height = letterbox(turned, side)
+        whole = frames.of_source(formats.named(src), frame, size).size
+        part = whole if crop is None else (crop[2], crop[3])
+        upright = size_after(part, options.get("rotate", 0))
+        x, y, width, height = letterbox(upright, side)
         rgb = np.full((side, side, 3), fill, np.uint8)
         place = rgb[y : y + height, x : x + width]
         convert(
