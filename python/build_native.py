@@ -40,10 +40,13 @@ int zelmFrameInit(ZelmFrame *frame, uint32_t format, uint32_t width, uint32_t he
 int zelmPlanCreate(ZelmPlan **plan, const ZelmFrame *dst, const ZelmFrame *src,
                    const ZelmEdit *edit, ZelmMessage *message);
 int zelmPlanBands(const ZelmPlan *plan);
-int zelmPlanRunBand(const ZelmPlan *plan, int band, const ZelmFrame *dst,
-                    const ZelmFrame *src);
 int zelmPlanRun(const ZelmPlan *plan, const ZelmFrame *dst, const ZelmFrame *src);
 void zelmPlanDestroy(ZelmPlan *plan);
+static int makeBands(const ZelmPlan *plan, int *next, const ZelmFrame *dst,
+                     const ZelmFrame *src);
+static void channelsFirst(const uint8_t *rgb, size_t pixels, uint8_t *planes);
+static void channelsFirstFloat(const uint8_t *rgb, size_t pixels, const float *mean,
+                               const float *scale, float *planes);
 """
 
 
@@ -72,10 +75,11 @@ ffi = cffi.FFI()
 ffi.cdef(DECLARATIONS)
 ffi.set_source(
     "zelm_imageutil._native",
-    "#include <zelm_frames.h>",
+    (HERE / "native.c").read_text(),
     include_dirs=[str(SOURCES / "include")],
     extra_objects=build_libraries(),
     libraries=["m"],
+    extra_compile_args=["-O3"],
     # The libraries' own names stay inside, and what is not called is left out.
     extra_link_args=["-Wl,--exclude-libs,ALL", "-Wl,--gc-sections"],
     py_limited_api=True,

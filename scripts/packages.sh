@@ -3,7 +3,7 @@
 
 build_packages="g++ make cmake libhwy-dev libcli11-dev libpng-dev nettle-dev"
 test_packages="$build_packages libgtest-dev googletest dpkg-dev file pkg-config"
-python_packages="g++ make cmake libhwy-dev python3-dev python3-pip python3-venv python3-cffi python3-numpy python3-setuptools python3-wheel python3-pytest python3-hypothesis python3-distributed mypy"
+python_packages="g++ make cmake libhwy-dev python3-dev python3-pip python3-venv python3-cffi python3-numpy python3-setuptools python3-wheel python3-pytest python3-hypothesis python3-distributed python3-av python3-tqdm ffmpeg mypy"
 arm_packages="make cmake libhwy-dev googletest qemu-user g++-arm-linux-gnueabihf g++-aarch64-linux-gnu"
 bench_packages="$build_packages libbenchmark-dev libyuv-dev libopencv-imgproc-dev libswscale-dev libzimg-dev"
 count_packages="$arm_packages gcc dpkg-dev"

@@ -1,6 +1,8 @@
 """What conversions are to give, in plain numpy: layouts sample by sample, colours by the
 formula with real numbers."""
 
+import subprocess
+
 import numpy as np
 
 MATRICES = {
@@ -55,3 +57,8 @@ def planes_of(frame, name, width, height):
 def turned(plane, rotate, mirror):
     made = np.rot90(plane, -rotate // 90)
     return made[:, ::-1] if mirror else made
+
+
+def ffmpeg(name, folder, *arguments):
+    command = ["ffmpeg", "-v", "error", *map(str, arguments), name]
+    subprocess.run(command, check=True, cwd=folder)

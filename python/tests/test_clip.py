@@ -1,11 +1,11 @@
 """Clips, converted clips and tensors."""
 
 import shutil
-import subprocess
+from fractions import Fraction
 
 import numpy as np
 import pytest
-from reference import noise, uniform_rgb
+from reference import ffmpeg, noise, uniform_rgb
 from zelm_imageutil import Clip, convert, convert_clip, letterbox, to_tensor
 
 
@@ -17,17 +17,12 @@ def write_y4m(path, tags, frames):
 
 def test_y4m_frames_are_views_of_the_file(tmp_path):
     frames = [noise((9, 8), i) for i in range(3)]
-    write_y4m(
-        tmp_path / "a.y4m", "W8 H6 F30000:1001 C420mpeg2 XCOLORRANGE=FULL", frames
-    )
+    tags = "W8 H6 F30000:1001 A10:11 C420mpeg2 XCOLORRANGE=Full XCOLORMATRIX=bt.709"
+    write_y4m(tmp_path / "a.y4m", tags, frames)
     clip = Clip(tmp_path / "a.y4m")
-    assert (len(clip), clip.format, clip.size, clip.rate) == (
-        3,
-        "i420",
-        (8, 6),
-        "30000:1001",
-    )
-    assert (clip.range, clip.matrix) == ("full", "bt601")
+    assert (len(clip), clip.format, clip.size) == (3, "i420", (8, 6))
+    assert (clip.range, clip.matrix) == ("full", "bt709")
+    assert (clip.rate, clip.aspect) == (Fraction(30000, 1001), Fraction(10, 11))
     for made, frame in zip(clip, frames):
         np.testing.assert_array_equal(made, frame)
         assert not made.flags.owndata and not made.flags.writeable
@@ -61,7 +56,10 @@ def test_raw_frames(tmp_path):
     frames = noise((4, 6, 8, 2))
     frames.tofile(tmp_path / "a.raw")
     for name, shape in (("yuyv", (6, 8, 2)), ("bgr565", (6, 8, 2)), ("nv16", (12, 8))):
-        clip = Clip(tmp_path / "a.raw", format=name, size=(8, 6))
+        (tmp_path / "a.raw").rename(tmp_path / f"a.{name}")
+        clip = Clip(tmp_path / f"a.{name}", size=(8, 6), range="limited")
+        (tmp_path / f"a.{name}").rename(tmp_path / "a.raw")
+        assert clip.format == name and clip.range == "limited"
         assert len(clip) == 4 and clip[2].shape == shape
         np.testing.assert_array_equal(clip[2].reshape(-1), frames[2].reshape(-1))
         assert convert(clip[2], name, "rgb24").shape == (6, 8, 3)
@@ -71,7 +69,8 @@ def test_raw_frames(tmp_path):
     "content, options, words",
     [
         (b"", {}, "no frame"),
-        (bytes(100), {}, "need format= and size="),
+        (bytes(100), {"format": "nv12"}, "need size="),
+        (bytes(100), {"size": (8, 6)}, "need format="),
         (bytes(100), {"format": "nv12", "size": (8, 6)}, "28 of the 72 bytes"),
         (bytes(100), {"format": "nv12", "size": (0, 6)}, "no nv12 frames"),
         (b"YUV4MPEG2 W8 H6\nFRAME\n" + bytes(71), {}, "frame 0 is cut short"),
@@ -79,7 +78,7 @@ def test_raw_frames(tmp_path):
         (b"YUV4MPEG2 W8 H6 C444\nFRAME\n", {}, "C444"),
         (b"YUV4MPEG2 Wx H6\nFRAME\n", {}, "no width"),
         (b"YUV4MPEG2 W8 H6", {}, "a line has no end"),
-        (b"YUV4MPEG2 W8 H6\n", {"format": "nv12"}, "not nv12"),
+        (b"YUV4MPEG2 W8 H6\n", {"format": "nv12"}, "i420, not nv12"),
         (b"YUV4MPEG2 W8 H6\n", {"size": (6, 8)}, "of 8x6"),
     ],
 )
@@ -91,7 +90,7 @@ def test_damaged_clips_are_refused(tmp_path, content, options, words):
 
 def test_converted_clips(tmp_path):
     frames = [noise((9, 8), i) for i in range(5)]
-    write_y4m(tmp_path / "a.y4m", "W8 H6 F24:1", frames)
+    write_y4m(tmp_path / "a.y4m", "W8 H6 F24:1 A4:3", frames)
     clip, calls = Clip(tmp_path / "a.y4m"), []
     convert_clip(clip, tmp_path / "b.rgb", "rgb24", progress=lambda *n: calls.append(n))
     assert calls == [(i, 5) for i in range(1, 6)]
@@ -108,12 +107,9 @@ def test_converted_clips(tmp_path):
     }
     convert_clip(clip, tmp_path / "c.y4m", "i420", progress=lambda *n: None, **options)
     again = Clip(tmp_path / "c.y4m")
-    assert (again.size, again.range, again.matrix, again.rate) == (
-        (4, 8),
-        "full",
-        "bt709",
-        "24:1",
-    )
+    assert (again.size, again.range, again.matrix) == ((4, 8), "full", "bt709")
+    # A picture of 8 x 6 samples of 4:3, turned, on 4 x 8 samples.
+    assert (again.rate, again.aspect) == (24, Fraction(6 * 3 * 8, 8 * 4 * 4))
     np.testing.assert_array_equal(
         again[4], convert(frames[4], "i420", "i420", src_range="limited", **options)
     )
@@ -125,24 +121,22 @@ def test_converted_clips(tmp_path):
         convert_clip(clip, tmp_path / "d.rgb", "rgb24", progress=stop)
     with pytest.raises(ValueError, match="cannot hold nv12"):
         convert_clip(clip, tmp_path / "d.y4m", "nv12")
+    with pytest.raises(ValueError, match="its suffix is no format"):
+        convert_clip(clip, tmp_path / "d.bin")
+    convert_clip(tmp_path / "a.y4m", tmp_path / "e.rgb24")
+    assert (tmp_path / "e.rgb24").read_bytes() == (tmp_path / "b.rgb").read_bytes()
+    (tmp_path / "e.rgb24").unlink()
     assert sorted(p.name for p in tmp_path.iterdir()) == ["a.y4m", "b.rgb", "c.y4m"]
 
 
-@pytest.mark.skipif(shutil.which("ffmpeg") is None, reason="no ffmpeg")
 def test_frames_are_those_of_ffmpeg(tmp_path):
+    if shutil.which("ffmpeg") is None:
+        pytest.skip("no ffmpeg")
     source = ["-f", "lavfi", "-i", "testsrc2=size=66x34:rate=25:duration=0.2"]
-    for name, args in (
-        ("a.y4m", ["-pix_fmt", "yuv420p"]),
-        ("a.nv12", ["-pix_fmt", "nv12"]),
-    ):
-        subprocess.run(
-            ["ffmpeg", "-v", "error", *source, *args]
-            + (["-f", "rawvideo"] if name == "a.nv12" else [])
-            + [str(tmp_path / name)],
-            check=True,
-        )
+    ffmpeg("a.y4m", tmp_path, *source, "-pix_fmt", "yuv420p")
+    ffmpeg("a.nv12", tmp_path, *source, "-pix_fmt", "nv12", "-f", "rawvideo")
     y4m = Clip(tmp_path / "a.y4m")
-    raw = Clip(tmp_path / "a.nv12", format="nv12", size=(66, 34))
+    raw = Clip(tmp_path / "a.nv12", size=(66, 34))
     assert len(y4m) == len(raw) == 5
     for a, b in zip(y4m, raw):
         np.testing.assert_array_equal(convert(a, "i420", "nv12"), b)
@@ -177,3 +171,7 @@ def test_tensors():
         to_tensor(frame, "nv12", mean=mean)
     with pytest.raises(ValueError, match="uint8 or float32"):
         to_tensor(frame, "nv12", dtype=np.int8)
+    with pytest.raises(ValueError, match="three numbers"):
+        to_tensor(frame, "nv12", dtype=np.float32, scale=[1, 2])
+    with pytest.raises(ValueError, match="fill is a byte"):
+        to_tensor(frame, "nv12", side=32, fill=256)

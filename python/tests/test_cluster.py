@@ -19,13 +19,13 @@ def local(workers):
     )
 
 
-def kill_once(job, temporary, first, count, flag, original):
+def kill_once(*given, flag, original):
     """A worker that dies in the middle of the first range it gets."""
     if not os.path.exists(flag):
         open(flag, "w").close()
-        original(job, temporary, first, count)
+        original(*given)
         os.kill(os.getpid(), signal.SIGKILL)
-    return original(job, temporary, first, count)
+    return original(*given)
 
 
 @pytest.fixture(scope="module")
@@ -48,8 +48,7 @@ def test_two_clusters_and_a_dead_worker_give_equal_files(clip, tmp_path):
             made = cluster.convert_clip(
                 clip,
                 path,
-                "i420",
-                client,
+                client=client,
                 frames_per_task=frames_per_task,
                 progress=lambda *n: calls.append(n),
                 **options,
@@ -60,13 +59,12 @@ def test_two_clusters_and_a_dead_worker_give_equal_files(clip, tmp_path):
                 patch.setattr(
                     cluster,
                     "_convert_range",
-                    lambda *given: kill_once(*given, flag, original),
+                    lambda *given: kill_once(*given, flag=flag, original=original),
                 )
                 cluster.convert_clip(
                     clip,
                     tmp_path / "3.y4m",
-                    "i420",
-                    client,
+                    client=client,
                     frames_per_task=4,
                     **options,
                 )
@@ -78,11 +76,11 @@ def test_two_clusters_and_a_dead_worker_give_equal_files(clip, tmp_path):
     assert [(r.first, r.frames) for r in made] == [
         (i, min(4, 23 - i)) for i in range(0, 23, 4)
     ]
-    assert cluster.differing(tmp_path / "2.y4m", clip, "i420", made, **options) == []
+    assert cluster.differing(tmp_path / "2.y4m", clip, made, **options) == []
     damaged = bytearray(expected)
     damaged[-1] ^= 1
     (tmp_path / "2.y4m").write_bytes(damaged)
-    changed = cluster.differing(tmp_path / "2.y4m", clip, "i420", made, **options)
+    changed = cluster.differing(tmp_path / "2.y4m", clip, made, **options)
     assert changed == made[-1:]
 
 
@@ -100,4 +98,4 @@ def test_the_command(clip, tmp_path, capsys):
     convert_clip(clip, tmp_path / "b.rgb24", "rgb24", progress=lambda *n: None)
     np.testing.assert_array_equal(made, np.fromfile(tmp_path / "b.rgb24", np.uint8))
     assert cluster.main(arguments) == 2
-    assert "need format= and size=" in capsys.readouterr().err
+    assert "nv12 frames need size=" in capsys.readouterr().err

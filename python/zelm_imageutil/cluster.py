@@ -1,10 +1,11 @@
 """Clips that outgrow one machine, on a Dask cluster.
 
-Tasks carry paths and ranges of frames, never pixels: every worker maps the source, and
-writes its frames where they belong in the destination, so both lie in a folder that all
-machines see. What a worker wrote that died is written again by another one, the same bytes.
+Tasks carry paths and ranges of frames, never pixels: every worker reads the source by
+itself, and writes its frames where they belong in the destination, so both lie in a folder
+that all machines see. What a worker wrote that died is written again by another one, the
+same bytes. Encoded clips are cut where decoding can begin.
 
-``python -m zelm_imageutil.cluster IN OUT --to FORMAT`` does it from the command line.
+``python -m zelm_imageutil.cluster IN OUT`` does it from the command line.
 """
 
 from __future__ import annotations
@@ -12,16 +13,21 @@ from __future__ import annotations
 import argparse
 import hashlib
 import importlib
+import mmap
+import os
 import sys
 from functools import lru_cache
 from pathlib import Path
-from typing import Any, Callable, NamedTuple, Optional, Sequence, Tuple
+from typing import Any, Iterator, NamedTuple, Optional, Sequence, Tuple, Union
 
-from .clip import Clip
-from .converted import Destination, Layout, appearing, prepare, write_frames
+import numpy as np
+
+from . import encoded, formats, frames
+from .clip import Clip, FilePath
+from .converted import Layout, Progress, appearing, prepare
+from .frames import Frame
 from .plan import Plan
-
-Options = Tuple[Tuple[str, Any], ...]
+from .values import Size, count_of
 
 
 class Range(NamedTuple):
@@ -38,89 +44,135 @@ class _Job(NamedTuple):
 
     source: str
     source_format: str
-    source_size: Tuple[int, int]
-    destination: str
+    source_size: Size
     format: str
-    options: Options
+    options: Tuple[Tuple[str, Any], ...]
+    layout: Layout
 
 
 @lru_cache(maxsize=4)
-def _opened(job: _Job) -> Tuple[Clip, Plan, Layout]:
-    clip = Clip(job.source, format=job.source_format, size=job.source_size)
-    return (clip, *prepare(clip, job.destination, job.format, dict(job.options)))
+def _clip(path: str, format: str, size: Size) -> Clip:
+    return Clip(path, format=format, size=size)
 
 
-def _convert_range(job: _Job, temporary: str, first: int, count: int) -> str:
-    """Runs on a worker: writes the frames of a range, and returns their digest."""
-    clip, plan, layout = _opened(job)
+@lru_cache(maxsize=4)
+def _plan(job: _Job) -> Plan:
+    return Plan(job.source_format, job.format, **dict(job.options))
+
+
+@lru_cache(maxsize=4)
+def _shape(job: _Job) -> Tuple[int, ...]:
+    format = formats.named(job.format)
+    shape = frames.shape_of(format, _plan(job).out_size)
+    return (*shape, 2) if format.layout == "words" else shape
+
+
+def _make(job: _Job, file: int, index: int, frame: Frame, digest: Any) -> None:
+    """Makes a frame where it belongs in the file, which is mapped: processes that write
+    into one file wait for each other."""
+    start, end = job.layout.start(index), job.layout.start(index + 1)
+    page = start - start % mmap.ALLOCATIONGRANULARITY
+    memory = mmap.mmap(file, end - page, offset=page)
+    place = np.frombuffer(memory, np.uint8)[start - page :]
+    before = len(job.layout.before)
+    place[:before] = np.frombuffer(job.layout.before, np.uint8)
+    _plan(job)(frame, place[before:].reshape(_shape(job)))
+    digest.update(place)
+
+
+def _convert_range(
+    job: _Job, temporary: str, first: int, count: int, part: Optional[encoded.Part]
+) -> str:
+    """Runs on a worker: makes the frames of a range, and returns their digest."""
+    steps: Iterator[Frame]
+    if part is not None:
+        steps = encoded.decoded(part)
+    else:
+        clip = _clip(job.source, job.source_format, job.source_size)
+        steps = clip.run(first, count)
     digest = hashlib.sha256()
-    with open(temporary, "r+b") as file:
-        file.seek(layout.start(first))
-        for made in write_frames(file, plan, layout, clip[first : first + count]):
-            digest.update(layout.before)
-            digest.update(made.data)
+    file = os.open(temporary, os.O_RDWR)
+    try:
+        for index, frame in enumerate(steps, first):
+            _make(job, file, index, frame, digest)
+    finally:
+        os.close(file)
     return digest.hexdigest()
 
 
+def _parts(clip: Clip, count: int) -> list[Tuple[int, int, Optional[encoded.Part]]]:
+    """Ranges of about so many frames: the first, how many, what they are decoded from."""
+    starts = clip.cuts(count)
+    ends = [*starts[1:], len(clip)]
+    return [
+        (start, end - start, clip.part(start, end - start))
+        for start, end in zip(starts, ends)
+    ]
+
+
 def convert_clip(
-    src: Clip,
-    dst: Destination,
-    format: str,
-    client: Any,
+    src: Union[Clip, FilePath],
+    dst: FilePath,
+    format: Optional[str] = None,
     *,
+    client: Any,
     frames_per_task: int = 32,
-    progress: Optional[Callable[[int, int], None]] = None,
+    progress: Optional[Progress] = None,
     **options: Any,
 ) -> list[Range]:
     """Converts a clip like :func:`zelm_imageutil.convert_clip`, on a cluster.
 
     :param client: a ``distributed.Client``
-    :param frames_per_task: how many frames a task makes
+    :param frames_per_task: how many frames a task makes, at least where clips are encoded
     :param progress: called with the number of frames done and of all
     :returns: the ranges that were made, in order, each with its digest
     """
-    if frames_per_task < 1:
-        raise ValueError(f"frames_per_task is 1 or more, not {frames_per_task}")
-    layout = prepare(src, dst, format, options)[1]
+    parts_of = count_of("frames_per_task", frames_per_task)
+    clip, name, plan, layout = prepare(src, dst, format, options)
     job = _Job(
-        str(Path(src.path).resolve()),
-        src.format,
-        src.size,
-        str(Path(dst).resolve()),
-        format,
-        tuple(sorted(options.items())),
+        str(Path(clip.path).resolve()),
+        clip.format,
+        clip.size,
+        name,
+        tuple(plan.options.items()),
+        layout,
     )
-    starts = range(0, len(src), frames_per_task)
-    counts = [min(frames_per_task, len(src) - first) for first in starts]
-    completed = importlib.import_module("distributed").as_completed
+    as_completed = importlib.import_module("distributed").as_completed
     with appearing(Path(dst).resolve()) as temporary:
         with open(temporary, "wb") as file:
             file.write(layout.header)
-            file.truncate(layout.start(len(src)))
-        tasks = {
-            client.submit(
-                _convert_range, job, str(temporary), first, count, pure=False, retries=3
-            ): (first, count)
-            for first, count in zip(starts, counts)
-        }
+            file.flush()
+            # All of the disk that is needed: what is missing there ends it here.
+            os.posix_fallocate(file.fileno(), 0, layout.start(len(clip)))
+        tasks = {}
+        for first, count, part in _parts(clip, parts_of):
+            if part is not None:
+                part = part._replace(path=job.source)
+            given = (job, str(temporary), first, count, part)
+            task = client.submit(_convert_range, *given, pure=False, retries=3)
+            tasks[task] = (first, count)
         done = 0
-        for task in completed(list(tasks)):
+        for task in as_completed(list(tasks)):
             task.result()
             done += tasks[task][1]
             if progress is not None:
-                progress(done, len(src))
+                progress(done, len(clip))
         return [Range(*tasks[task], task.result()) for task in tasks]
 
 
 def differing(
-    path: Destination, src: Clip, format: str, ranges: Sequence[Range], **options: Any
+    path: FilePath,
+    src: Union[Clip, FilePath],
+    ranges: Sequence[Range],
+    format: Optional[str] = None,
+    **options: Any,
 ) -> list[Range]:
     """Those ranges of a converted clip whose bytes are not what they were when it was made.
 
     Takes the parameters that the clip was converted with. Any machine can do it, for any
     of the ranges.
     """
-    layout = prepare(src, path, format, options)[1]
+    layout = prepare(src, path, format, options).layout
     changed = []
     with open(path, "rb") as file:
         for part in ranges:
@@ -134,72 +186,91 @@ def differing(
 def _arguments(arguments: Optional[Sequence[str]]) -> argparse.Namespace:
     parser = argparse.ArgumentParser(
         prog="python -m zelm_imageutil.cluster",
-        description="Converts a raw or Y4M file on a Dask cluster.",
+        description="Converts a raw, Y4M or encoded clip on a Dask cluster.",
     )
-    parser.add_argument("source", metavar="IN")
-    parser.add_argument("destination", metavar="OUT")
-    parser.add_argument(
-        "--scheduler", help="address; without it all cores of this machine"
+    add = parser.add_argument
+    add("source", metavar="IN")
+    add("destination", metavar="OUT")
+    add("--scheduler", help="address; without it all cores of this machine")
+    add("--to", metavar="FORMAT", help="format to write (default: OUT's suffix)")
+    add(
+        "--from",
+        dest="format",
+        metavar="FORMAT",
+        help="of raw frames (default: suffix)",
     )
-    parser.add_argument("--to", help="format to write (default: i420 for .y4m)")
-    parser.add_argument(
-        "--from", dest="format", help="format of raw frames (default: the suffix)"
-    )
-    parser.add_argument("--size", type=_size, metavar="WxH", help="size of raw frames")
-    parser.add_argument("--resize", type=_size, metavar="WxH")
-    parser.add_argument("--rotate", type=int, default=0, choices=(0, 90, 180, 270))
-    parser.add_argument("--mirror", action="store_true")
-    parser.add_argument("--filter", default="linear")
-    parser.add_argument("--frames-per-task", type=int, default=32, metavar="N")
-    parser.add_argument(
-        "--digests", action="store_true", help="print each range's digest"
-    )
+    add("--size", type=_numbers("x", 2), metavar="WxH", help="size of raw frames")
+    add("--crop", type=_numbers(",x", 4), metavar="X,Y,WxH")
+    add("--resize", type=_numbers("x", 2), metavar="WxH")
+    add("--rotate", type=int, default=0, choices=(0, 90, 180, 270))
+    add("--mirror", action="store_true")
+    add("--filter", default="linear", help="linear, nearest or cubic")
+    add("--matrix", dest="src_matrix", help="bt601, bt709 or bt2020 of IN")
+    add("--range", dest="src_range", help="full or limited of IN")
+    add("--to-matrix", dest="dst_matrix", help="of OUT")
+    add("--to-range", dest="dst_range", help="of OUT")
+    add("--frames-per-task", type=int, default=32, metavar="N")
+    add("--digests", action="store_true", help="print each range's digest")
     return parser.parse_args(arguments)
 
 
-def _size(text: str) -> Tuple[int, int]:
-    width, _, height = text.lower().partition("x")
-    return int(width), int(height)
+def _numbers(separators: str, count: int) -> Any:
+    def parse(text: str) -> Tuple[int, ...]:
+        for separator in separators:
+            text = text.lower().replace(separator, " ")
+        numbers = tuple(int(word) for word in text.split())
+        if len(numbers) != count:
+            raise ValueError
+        return numbers
+
+    return parse
 
 
-def _format_of(path: str) -> Optional[str]:
-    suffix = Path(path).suffix[1:]
-    return suffix if suffix.lower() not in ("", "y4m") else None
+_OPTIONS = (
+    "crop",
+    "resize",
+    "rotate",
+    "mirror",
+    "filter",
+    "src_matrix",
+    "src_range",
+    "dst_matrix",
+    "dst_range",
+)
 
 
 def main(arguments: Optional[Sequence[str]] = None) -> int:
     """The command line; returns the exit status."""
     given = _arguments(arguments)
-    distributed = importlib.import_module("distributed")
-    format = given.to or _format_of(given.destination) or "i420"
-    source_format = given.format or _format_of(given.source)
-    options = {"rotate": given.rotate, "mirror": given.mirror, "filter": given.filter}
-    if given.resize is not None:
-        options["resize"] = given.resize
+    options = {name: getattr(given, name) for name in _OPTIONS}
+    options = {name: value for name, value in options.items() if value is not None}
     try:
-        clip = Clip(given.source, format=source_format, size=given.size)
-        prepare(clip, given.destination, format, options)
+        clip = Clip(given.source, format=given.format, size=given.size)
+        prepare(clip, given.destination, given.to, options)
+        count_of("--frames-per-task", given.frames_per_task)
+        with _machines(given.scheduler) as client:
+            made = convert_clip(
+                clip,
+                given.destination,
+                given.to,
+                client=client,
+                frames_per_task=given.frames_per_task,
+                **options,
+            )
     except (OSError, ValueError) as error:
         print(f"zelm_imageutil.cluster: {error}", file=sys.stderr)
         return 2
-    where = (
-        given.scheduler
-        if given.scheduler is not None
-        else distributed.LocalCluster(threads_per_worker=1, dashboard_address=None)
-    )
-    with distributed.Client(where) as client:
-        made = convert_clip(
-            clip,
-            given.destination,
-            format,
-            client,
-            frames_per_task=given.frames_per_task,
-            **options,
-        )
     if given.digests:
         for part in made:
             print(f"{part.sha256}  {part.first}:{part.frames}")
     return 0
+
+
+def _machines(scheduler: Optional[str]) -> Any:
+    distributed = importlib.import_module("distributed")
+    if scheduler is not None:
+        return distributed.Client(scheduler)
+    return distributed.Client(threads_per_worker=1, dashboard_address=None)
 
 
 if __name__ == "__main__":

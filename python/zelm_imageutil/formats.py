@@ -2,7 +2,10 @@
 
 from __future__ import annotations
 
+import os
 from dataclasses import dataclass
+from pathlib import PurePath
+from typing import Optional, Union
 
 
 @dataclass(frozen=True)
@@ -72,7 +75,7 @@ def names() -> list[str]:
 
 
 def _chosen(kind: str, name: str, values: dict[str, int]) -> int:
-    value = values.get(name.lower())
+    value = values.get(name.lower()) if isinstance(name, str) else None
     if value is None:
         raise ValueError(f"unknown {kind} {name!r}; known are {', '.join(values)}")
     return value
@@ -80,10 +83,16 @@ def _chosen(kind: str, name: str, values: dict[str, int]) -> int:
 
 def named(name: str) -> Format:
     """The format of a name or an alias, in upper or lower case."""
-    found = _BY_NAME.get(name.lower())
+    found = _BY_NAME.get(name.lower()) if isinstance(name, str) else None
     if found is None:
         raise ValueError(f"unknown format {name!r}; known are {', '.join(names())}")
     return found
+
+
+def of_suffix(path: Union[str, "os.PathLike[str]"]) -> Optional[str]:
+    """The name of the format that a file's suffix says, if it says one."""
+    found = _BY_NAME.get(PurePath(path).suffix[1:].lower())
+    return None if found is None else found.name
 
 
 def colour(matrix: str, value_range: str) -> int:

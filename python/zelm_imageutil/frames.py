@@ -2,17 +2,17 @@
 
 from __future__ import annotations
 
-from typing import Any, NamedTuple, Optional, Sequence, Tuple, Union
+from typing import Any, NamedTuple, Optional, Sequence, Union
 
 import numpy as np
 import numpy.typing as npt
 
 from ._native import ffi, lib
 from .formats import Format
+from .values import Size
 
 Array = npt.NDArray[Any]
 Frame = Union[Array, Sequence[Array]]
-Size = Tuple[int, int]
 
 
 class Plane(NamedTuple):
@@ -59,11 +59,7 @@ def shape_of(format: Format, size: Size) -> tuple[int, ...]:
         )
     if format.layout in ("gray", "words"):
         return (height, width)
-    if (
-        format.chroma
-        and width % 2 == 0
-        and (format.rows_shared == 1 or height % 2 == 0)
-    ):
+    if format.chroma and width % 2 == 0:
         return (height + _rows(format, height), width)
     return (bytes_of(format, size),)
 
@@ -77,6 +73,12 @@ def empty(format: Format, size: Size) -> Array:
 def _fail(format: Format, what: str, array: Array) -> ValueError:
     return ValueError(
         f"{format.name} {what}, not an array of {array.dtype} with the shape {array.shape}"
+    )
+
+
+def _other_size(format: Format, found: Size, size: Size) -> ValueError:
+    return ValueError(
+        f"this {format.name} frame has {found[0]}x{found[1]} pixels, not {size[0]}x{size[1]}"
     )
 
 
@@ -117,7 +119,11 @@ def _one_plane(format: Format, array: Array, size: Optional[Size]) -> Planes | N
     if size is not None and (
         size[1] != height or not width <= columns <= width + width % 2
     ):
-        raise _fail(format, f"of {size[0]}x{size[1]} has another shape", array)
+        raise _other_size(format, (columns, height), size)
+    if format.layout == "pixels" and format.channels == 2 and columns % 2:
+        raise _fail(
+            format, "has an even number of columns, also for an odd width,", array
+        )
     if not _packed(array):
         return None
     plane = _plane(array, columns * format.channels)
@@ -131,12 +137,14 @@ def _split(format: Format, array: Array, size: Optional[Size]) -> Planes | None:
             format, "in one array has rows of luma above those of chroma", array
         )
     rows, width = array.shape
-    height = rows // 2 if format.rows_shared == 1 else rows * 2 // 3
+    height = rows // 2 if format.rows_shared == 1 else (rows * 2 + 1) // 3
     if size is not None and size != (width, height):
-        raise _fail(format, f"of {size[0]}x{size[1]} has another shape", array)
-    if width % 2 or (format.rows_shared == 2 and height % 2):
-        raise _fail(format, "of odd sizes is a tuple of planes", array)
-    if rows != height + _rows(format, height):
+        raise _other_size(format, (width, height), size)
+    if width % 2:
+        raise _fail(
+            format, "of an odd width is a tuple of planes or has one axis", array
+        )
+    if height < 1 or rows != height + _rows(format, height):
         raise _fail(
             format, "in one array has rows of luma above those of chroma", array
         )
@@ -169,13 +177,16 @@ def _of_planes(
     """A tuple of planes, each with strides of its own."""
     wanted = 3 if format.layout == "planar" else 2
     if not format.chroma or len(planes) != wanted:
-        raise ValueError(f"{format.name} has not {len(planes)} planes of rows")
+        raise ValueError(
+            f"{format.name} is {f'{wanted} planes' if format.chroma else 'one array'}, "
+            f"not {len(planes)} planes"
+        )
     luma = planes[0]
     if luma.ndim != 2:
         raise _fail(format, "has a luma plane of two axes", luma)
     height, width = luma.shape
     if size is not None and size != (width, height):
-        raise _fail(format, f"of {size[0]}x{size[1]} has another luma plane", luma)
+        raise _other_size(format, (width, height), size)
     rows, columns = _rows(format, height), half(width)
     found = [_luma(luma)]
     for chroma in planes[1:]:
@@ -265,10 +276,13 @@ def of_source(format: Format, frame: Frame, size: Optional[Size]) -> Planes:
 
 def of_destination(format: Format, frame: Frame, size: Size) -> Planes:
     """The planes of a frame that is written, which must be where the caller has it."""
-    found = _look(format, frame, size)
+    try:
+        found = _look(format, frame, size)
+    except ValueError as error:
+        raise ValueError(f"out=: {error}") from None
     if found is None:
         raise ValueError(
-            f"{format.name}: out= has samples that do not lie side by side"
+            f"out=: {format.name} has samples that lie side by side, not with such strides"
         )
     for plane in found.planes:
         if not plane.array.flags.writeable:

@@ -2,20 +2,20 @@
 
 from __future__ import annotations
 
-import threading
-from concurrent.futures import ThreadPoolExecutor
 from functools import lru_cache
-from typing import Any, Optional, Tuple
+from typing import Any, Optional
 
 from . import formats, frames
+from . import threads as pool
 from ._native import ffi, lib
-from .frames import Frame, Size
+from .frames import Frame
+from .values import Region, Size, count_of, region_of, size_of, switch_of, turn_of
 
-Region = Tuple[int, int, int, int]
+_NO_MEMORY = -12
 
 
 def _message(code: int, message: Any) -> Exception:
-    if code == -12:
+    if code == _NO_MEMORY:
         return MemoryError("no memory for the plan")
     return ValueError(ffi.string(message.text).decode())
 
@@ -69,8 +69,6 @@ class Plan:
         threads: int = 1,
     ) -> None:
         self._src, self._dst = formats.named(src), formats.named(dst)
-        if threads < 1:
-            raise ValueError(f"threads is 1 or more, not {threads}")
         kept = not self._src.rgb
         self.out_matrix = dst_matrix or (src_matrix if kept else "bt601")
         self.out_range = dst_range or (src_range if kept else "full")
@@ -78,44 +76,63 @@ class Plan:
             formats.colour(src_matrix, src_range),
             formats.colour(self.out_matrix, self.out_range),
         )
-        part = size if crop is None else (crop[2], crop[3])
-        self.size: Size = (int(size[0]), int(size[1]))
-        self.out_size: Size = (
-            size_after(part, rotate)
-            if resize is None
-            else (int(resize[0]), int(resize[1]))
-        )
-        code = formats.filter_code(filter)
-        edit = ffi.new("ZelmEdit *")
+        self.size = size_of("size", size)
+        self._edit = edit = ffi.new("ZelmEdit *")
+        part = self.size
         if crop is not None:
-            if min(crop) < 0:
-                raise ValueError(f"crop {crop} begins outside of the frame")
-            edit.source = tuple(crop)
-        edit.lumaFilter = edit.chromaFilter = code
-        edit.turn, edit.mirror = rotate, int(mirror)
-        self._plan = self._prepare(edit)
-        self._bands = int(lib.zelmPlanBands(self._plan))
-        self._threads = min(threads, self._bands)
-        self._pool: Optional[ThreadPoolExecutor] = None
-        self._lock = threading.Lock()
+            edit.source = region = region_of("crop", crop)
+            part = region[2:]
+        edit.lumaFilter = edit.chromaFilter = formats.filter_code(filter)
+        edit.turn = turn = turn_of(rotate)
+        edit.mirror = switch_of("mirror", mirror)
+        self.out_size = (
+            size_after(part, turn) if resize is None else size_of("resize", resize)
+        )
+        wanted = count_of("threads", threads)
+        #: What the plan was made with, as keywords.
+        self.options: dict[str, Any] = {
+            "size": self.size,
+            "crop": None if crop is None else region_of("crop", crop),
+            "resize": self.out_size,
+            "rotate": turn,
+            "mirror": bool(edit.mirror),
+            "filter": filter,
+            "src_matrix": src_matrix,
+            "src_range": src_range,
+            "dst_matrix": self.out_matrix,
+            "dst_range": self.out_range,
+            "threads": wanted,
+        }
+        self._plan = self._prepare()
+        self._threads = min(wanted, int(lib.zelmPlanBands(self._plan)))
 
-    def _prepare(self, edit: Any) -> Any:
-        for format, size in ((self._src, self.size), (self._dst, self.out_size)):
-            if frames.bytes_of(format, size) == 0:
+    def _prepare(self) -> Any:
+        records: list[Any] = []
+        address = 4096
+        for format, size, colour in zip(
+            (self._src, self._dst), (self.size, self.out_size), self._colours
+        ):
+            count = frames.bytes_of(format, size)
+            if count == 0:
                 raise ValueError(
                     f"there are no {format.name} frames of {size[0]}x{size[1]}"
                 )
-        # Nothing of these is touched.
-        examples = [
-            frames.of_source(format, frames.empty(format, size), size)
-            for format, size in ((self._src, self.size), (self._dst, self.out_size))
-        ]
+            # Nothing is there, and nothing of it is touched.
+            record = ffi.new("ZelmFrame *")
+            start = ffi.cast("uint8_t *", address)
+            lib.zelmFrameInit(record, format.code, *size, start, count, 1)
+            record.colour = colour
+            address += count
+            records.append(record)
+        return ffi.gc(self._create(*records), lib.zelmPlanDestroy)
+
+    def _create(self, source: Any, target: Any) -> Any:
+        """A plan for frames like these."""
         plan, message = ffi.new("ZelmPlan **"), ffi.new("ZelmMessage *")
-        source, target = self._records(*examples)
-        code = lib.zelmPlanCreate(plan, target, source, edit, message)
+        code = lib.zelmPlanCreate(plan, target, source, self._edit, message)
         if code != 0:
             raise _message(code, message)
-        return ffi.gc(plan[0], lib.zelmPlanDestroy)
+        return plan[0]
 
     def _records(self, source: frames.Planes, target: frames.Planes) -> tuple[Any, Any]:
         from_, to = ffi.new("ZelmFrame *"), ffi.new("ZelmFrame *")
@@ -143,30 +160,20 @@ class Plan:
         if self._threads == 1:
             code = lib.zelmPlanRun(self._plan, to, from_)
         else:
-            code = self._run_bands(to, from_)
-        if code == -9:
-            raise ValueError("the frame and out= share bytes")
-        if code != 0:
-            raise MemoryError("no memory") if code == -12 else ValueError(
-                f"refused: {code}"
+            band = ffi.new("int *")
+            code = pool.run(
+                self._threads, lambda: int(lib.makeBands(self._plan, band, to, from_))
             )
+        if code != 0:
+            self._refuse(code, from_, to)
         return made
 
-    def _run_bands(self, to: Any, from_: Any) -> int:
-        with self._lock:
-            if self._pool is None:
-                self._pool = ThreadPoolExecutor(self._threads - 1, "zelm_imageutil")
-
-        def share(first: int) -> int:
-            for band in range(first, self._bands, self._threads):
-                code = int(lib.zelmPlanRunBand(self._plan, band, to, from_))
-                if code != 0:
-                    return code
-            return 0
-
-        others = [self._pool.submit(share, i) for i in range(1, self._threads)]
-        codes = [share(0)] + [other.result() for other in others]
-        return min(codes)
+    def _refuse(self, code: int, source: Any, target: Any) -> None:
+        """Says why frames like these cannot be worked on."""
+        if code == _NO_MEMORY:
+            raise MemoryError("no memory for the frame")
+        lib.zelmPlanDestroy(self._create(source, target))
+        raise RuntimeError(f"the plan refuses a frame with code {code}")
 
 
 @lru_cache(maxsize=32)
@@ -205,20 +212,22 @@ def convert(
     (24, 32, 3)
     """
     format = formats.named(src)
+    if size is not None:
+        size = size_of("size", size)
     planes = frames.of_source(format, frame, size)
     plan = _cached_plan(
         src,
         dst,
         size=planes.size,
-        crop=None if crop is None else tuple(crop),
-        resize=None if resize is None else tuple(resize),
-        rotate=rotate,
-        mirror=bool(mirror),
+        crop=None if crop is None else region_of("crop", crop),
+        resize=None if resize is None else size_of("resize", resize),
+        rotate=turn_of(rotate),
+        mirror=switch_of("mirror", mirror),
         filter=filter,
         src_matrix=src_matrix,
         src_range=src_range,
         dst_matrix=dst_matrix,
         dst_range=dst_range,
-        threads=threads,
+        threads=count_of("threads", threads),
     )
     return plan.run(planes, out)

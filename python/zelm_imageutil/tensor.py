@@ -8,8 +8,10 @@ import numpy as np
 import numpy.typing as npt
 
 from . import formats, frames
-from .frames import Array, Frame, Size
+from ._native import ffi, lib
+from .frames import Array, Frame
 from .plan import convert, size_after
+from .values import Size, count_of, region_of, size_of
 
 
 def letterbox(size: Size, side: int) -> tuple[int, int, int, int]:
@@ -57,25 +59,50 @@ def to_tensor(
         raise ValueError(f"dtype is uint8 or float32, not {wanted}")
     if wanted == np.uint8 and (mean is not None or scale is not None):
         raise ValueError("mean and scale need dtype=float32")
+    subtracted, multiplied = _of_channels("mean", mean, 0), _of_channels(
+        "scale", scale, 1
+    )
     if side is None:
-        rgb = convert(frame, src, "rgb24", size=size, **options)
+        rgb: Array = convert(frame, src, "rgb24", size=size, **options)
     else:
-        crop = options.get("crop")
-        whole = frames.of_source(formats.named(src), frame, size).size
-        part = whole if crop is None else (crop[2], crop[3])
-        upright = size_after(part, options.get("rotate", 0))
-        x, y, width, height = letterbox(upright, side)
-        rgb = np.full((side, side, 3), fill, np.uint8)
-        place = rgb[y : y + height, x : x + width]
-        convert(
-            frame, src, "rgb24", size=size, resize=(width, height), out=place, **options
-        )
-    made = np.ascontiguousarray(rgb.transpose(2, 0, 1))
+        rgb = _in_square(frame, src, count_of("side", side), size, fill, options)
+    pixels = rgb.shape[0] * rgb.shape[1]
+    made = np.empty((3, *rgb.shape[:2]), wanted)
+    source = ffi.from_buffer("uint8_t[]", rgb)
     if wanted == np.uint8:
-        return made
-    values = made.astype(np.float32)
-    if mean is not None:
-        values -= np.asarray(mean, np.float32).reshape(3, 1, 1)
-    if scale is not None:
-        values *= np.asarray(scale, np.float32).reshape(3, 1, 1)
-    return values
+        lib.channelsFirst(source, pixels, ffi.from_buffer("uint8_t[]", made))
+    else:
+        target = ffi.from_buffer("float[]", made)
+        lib.channelsFirstFloat(source, pixels, subtracted, multiplied, target)
+    return made
+
+
+def _of_channels(name: str, values: Optional[Sequence[float]], default: float) -> Any:
+    found = np.asarray([default] * 3 if values is None else values, np.float32)
+    if found.shape != (3,):
+        raise ValueError(f"{name} is three numbers, not {values!r}")
+    return ffi.new("float[3]", found.tolist())
+
+
+def _in_square(
+    frame: Frame,
+    src: str,
+    side: int,
+    size: Optional[Size],
+    fill: int,
+    options: dict[str, Any],
+) -> Array:
+    if "resize" in options or "out" in options:
+        raise ValueError("side= scales by itself, without resize= and out=")
+    if not 0 <= fill <= 255:
+        raise ValueError(f"fill is a byte, not {fill!r}")
+    crop = options.get("crop")
+    given = None if size is None else size_of("size", size)
+    whole = frames.of_source(formats.named(src), frame, given).size
+    part = whole if crop is None else region_of("crop", crop)[2:]
+    x, y, width, height = letterbox(size_after(part, options.get("rotate", 0)), side)
+    square = np.full((side, side, 3), fill, np.uint8)
+    place = square[y : y + height, x : x + width]
+    resize = (width, height)
+    convert(frame, src, "rgb24", size=size, resize=resize, out=place, **options)
+    return square
