@@ -13,16 +13,13 @@ from __future__ import annotations
 import argparse
 import hashlib
 import importlib
-import mmap
 import os
 import sys
 from functools import lru_cache
 from pathlib import Path
 from typing import Any, Iterator, NamedTuple, Optional, Sequence, Tuple, Union
 
-import numpy as np
-
-from . import encoded, formats, frames
+from . import encoded
 from .clip import Clip, FilePath
 from .converted import Layout, Progress, appearing, prepare
 from .frames import Frame
@@ -43,6 +40,8 @@ class _Job(NamedTuple):
     """What a worker must know of a conversion."""
 
     source: str
+    source_bytes: int
+    source_time: int
     source_format: str
     source_size: Size
     format: str
@@ -51,33 +50,15 @@ class _Job(NamedTuple):
 
 
 @lru_cache(maxsize=4)
-def _clip(path: str, format: str, size: Size) -> Clip:
-    return Clip(path, format=format, size=size)
+def _clip(job: _Job) -> Clip:
+    if os.stat(job.source).st_size != job.source_bytes:
+        raise ValueError(f"{job.source} is another file here than where the job began")
+    return Clip(job.source, format=job.source_format, size=job.source_size)
 
 
 @lru_cache(maxsize=4)
 def _plan(job: _Job) -> Plan:
     return Plan(job.source_format, job.format, **dict(job.options))
-
-
-@lru_cache(maxsize=4)
-def _shape(job: _Job) -> Tuple[int, ...]:
-    format = formats.named(job.format)
-    shape = frames.shape_of(format, _plan(job).out_size)
-    return (*shape, 2) if format.layout == "words" else shape
-
-
-def _make(job: _Job, file: int, index: int, frame: Frame, digest: Any) -> None:
-    """Makes a frame where it belongs in the file, which is mapped: processes that write
-    into one file wait for each other."""
-    start, end = job.layout.start(index), job.layout.start(index + 1)
-    page = start - start % mmap.ALLOCATIONGRANULARITY
-    memory = mmap.mmap(file, end - page, offset=page)
-    place = np.frombuffer(memory, np.uint8)[start - page :]
-    before = len(job.layout.before)
-    place[:before] = np.frombuffer(job.layout.before, np.uint8)
-    _plan(job)(frame, place[before:].reshape(_shape(job)))
-    digest.update(place)
 
 
 def _convert_range(
@@ -88,19 +69,20 @@ def _convert_range(
     if part is not None:
         steps = encoded.decoded(part)
     else:
-        clip = _clip(job.source, job.source_format, job.source_size)
-        steps = clip.run(first, count)
-    digest = hashlib.sha256()
-    file = os.open(temporary, os.O_RDWR)
-    try:
+        steps = _clip(job).run(first, count)
+    plan, before, digest = _plan(job), job.layout.before, hashlib.sha256()
+    out = plan.empty()
+    with open(temporary, "r+b") as file:
         for index, frame in enumerate(steps, first):
-            _make(job, file, index, frame, digest)
-    finally:
-        os.close(file)
+            plan(frame, out)
+            file.seek(job.layout.start(index))
+            for piece in (before, out.data):
+                file.write(piece)
+                digest.update(piece)
     return digest.hexdigest()
 
 
-def _parts(clip: Clip, count: int) -> list[Tuple[int, int, Optional[encoded.Part]]]:
+def _ranges(clip: Clip, count: int) -> list[Tuple[int, int, Optional[encoded.Part]]]:
     """Ranges of about so many frames: the first, how many, what they are decoded from."""
     starts = clip.cuts(count)
     ends = [*starts[1:], len(clip)]
@@ -129,8 +111,11 @@ def convert_clip(
     """
     parts_of = count_of("frames_per_task", frames_per_task)
     clip, name, plan, layout = prepare(src, dst, format, options)
+    found = os.stat(clip.path)
     job = _Job(
         str(Path(clip.path).resolve()),
+        found.st_size,
+        found.st_mtime_ns,
         clip.format,
         clip.size,
         name,
@@ -144,20 +129,17 @@ def convert_clip(
             file.flush()
             # All of the disk that is needed: what is missing there ends it here.
             os.posix_fallocate(file.fileno(), 0, layout.start(len(clip)))
-        tasks = {}
-        for first, count, part in _parts(clip, parts_of):
-            if part is not None:
-                part = part._replace(path=job.source)
-            given = (job, str(temporary), first, count, part)
-            task = client.submit(_convert_range, *given, pure=False, retries=3)
-            tasks[task] = (first, count)
-        done = 0
-        for task in as_completed(list(tasks)):
-            task.result()
-            done += tasks[task][1]
+        ranges = _ranges(clip, parts_of)
+        same = ([job] * len(ranges), [str(temporary)] * len(ranges))
+        tasks = client.map(_convert_range, *same, *zip(*ranges), pure=False, retries=3)
+        range_of, made, done = dict(zip(tasks, ranges)), {}, 0
+        for task, digest in as_completed(tasks, with_results=True):
+            first, count, _ = range_of[task]
+            made[first] = Range(first, count, digest)
+            done += count
             if progress is not None:
                 progress(done, len(clip))
-        return [Range(*tasks[task], task.result()) for task in tasks]
+        return [made[first] for first in sorted(made)]
 
 
 def differing(

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import importlib
+import os
 import re
 import threading
 from bisect import bisect_left, bisect_right
@@ -81,7 +82,7 @@ class EncodedFrames:
     """
 
     def __init__(self, path: str) -> None:
-        self._path = path
+        self._path = os.path.realpath(path)
         self.times, self.keys = self._scan()
         self.described = self._describe()
         self._lock = threading.Lock()
