@@ -2,9 +2,10 @@
 # Runs the two commands of the README in a fresh clone of what is committed, on a bare
 # Debian of its own: a chroot with g++, make and git, where the scripts install the rest.
 #   scripts/test-debian.sh [12|13] [demo|test]...    by default 13, demo and test
-# What ZELM_CMAKE_OPTIONS holds goes to CMake, ZELM_TEST_STEP to the tests. As root; the
-# chroot is made anew in build-debian13/ (or 12) each time. Ends with 77 where no chroot
-# can be made.
+#   scripts/test-debian.sh 13 test-python           or other scripts
+# What ZELM_CMAKE_OPTIONS holds goes to CMake, ZELM_TEST_STEP to the tests; if ZELM_WHEEL
+# names a wheel of the Python package, that one is tested there. As root; the chroot is made
+# anew in build-debian13/ (or 12) each time. Ends with 77 where no chroot can be made.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -44,6 +45,11 @@ mmdebstrap --quiet --variant=minbase --include=g++,make,git,ca-certificates \
 cp -r /etc/apt/apt.conf.d/. "$root/etc/apt/apt.conf.d/"
 cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 git clone --quiet . "$root/zelm_imageutil"
+wheel=
+if [ -n "${ZELM_WHEEL:-}" ]; then
+  cp "$ZELM_WHEEL" "$root/root/"
+  wheel=/root/$(basename "$ZELM_WHEEL")
+fi
 
 # Mounts of a namespace of its own vanish with it, however this ends.
 inside() {
@@ -51,9 +57,9 @@ inside() {
   unshare --mount --fork bash -c '
     mount --bind /proc "$0/proc" && mount --bind /dev "$0/dev" &&
       exec chroot "$0" /usr/bin/env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-        ZELM_CMAKE_OPTIONS="$2" ZELM_TEST_STEP="$3" \
+        ZELM_CMAKE_OPTIONS="$2" ZELM_TEST_STEP="$3" ZELM_WHEEL="$4" \
         bash -c "cd /zelm_imageutil && $1"' "$root" "$1" "${ZELM_CMAKE_OPTIONS:-}" \
-    "${ZELM_TEST_STEP:-1}"
+    "${ZELM_TEST_STEP:-1}" "$wheel"
 }
 
 for command in "${commands[@]}"; do

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the Python package's wheel, installs it into a virtual environment of its own and
-# runs its tests there. As root it installs what is missing.
+# Builds the Python package's wheel, or takes the one that ZELM_WHEEL names, installs it
+# into a virtual environment of its own and runs its tests there. As root it installs what
+# is missing.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -10,12 +11,17 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 require_packages $python_packages
 python=/usr/bin/python3
 work=$PWD/build-python
-rm -rf "$work/wheel" "$work/venv"
+rm -rf "$work/venv"
 mkdir -p "$work"
-$python -m pip wheel --quiet --no-deps --wheel-dir "$work/wheel" ./python
-ls "$work/wheel"
+wheel=${ZELM_WHEEL:-}
+if [ -z "$wheel" ]; then
+  rm -rf "$work/wheel"
+  $python -m pip wheel --quiet --no-deps --wheel-dir "$work/wheel" ./python
+  wheel=$(ls "$work"/wheel/*.whl)
+fi
+echo "Python: $($python --version), $(basename "$wheel")"
 $python -m venv --system-site-packages "$work/venv"
-"$work/venv/bin/pip" install --quiet --no-deps "$work"/wheel/*.whl
+"$work/venv/bin/pip" install --quiet --no-deps "$wheel"
 cd "$work"  # away from the sources, so that the installed package is tested
 venv/bin/python -m pytest -q -p no:cacheprovider ../python/tests
 venv/bin/python -m pytest -q -p no:cacheprovider --pyargs --doctest-modules zelm_imageutil
