@@ -162,7 +162,7 @@ row() {
 
 {
   provenance
-  echo "# processor: $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1), $(nproc) at a time"
+  echo "# processor: $(processor_name), $(nproc) at a time"
   echo "# ffmpeg: $(ffmpeg -version | sed -n '1s/ffmpeg version \([^ ]*\).*/\1/p')"
   echo "row,way,us,ffmpeg us,before us"
 } >"$results"

@@ -22,3 +22,5 @@ provenance() {
   echo "# date: $(date -u +%F)"
   echo "# source: $(git describe --always --dirty 2>/dev/null || echo unknown)"
 }
+
+processor_name() { sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1; }
