@@ -240,7 +240,7 @@ def _open(path: str) -> Any:
     av = _av()
     try:
         return av.open(path)
-    except av.AVError as error:
+    except av.error.FFmpegError as error:
         raise ValueError(f"cannot be read as a clip: {error}") from None
 
 
