@@ -42,6 +42,7 @@ int zelmPlanCreate(ZelmPlan **plan, const ZelmFrame *dst, const ZelmFrame *src,
 int zelmPlanBands(const ZelmPlan *plan);
 int zelmPlanRun(const ZelmPlan *plan, const ZelmFrame *dst, const ZelmFrame *src);
 void zelmPlanDestroy(ZelmPlan *plan);
+static void placeFrame(ZelmFrame *frame, const ZelmFrame *model, const void *start);
 static int makeBands(const ZelmPlan *plan, int *next, const ZelmFrame *dst,
                      const ZelmFrame *src);
 static void channelsFirst(const uint8_t *rgb, size_t pixels, uint8_t *planes);

@@ -1,6 +1,17 @@
 /* What the package's loops over bands and samples do without the interpreter lock. */
 #include <zelm_frames.h>
 
+/* Describes a frame that begins at `start` and is otherwise like `model`, whose planes lie
+ * behind its first one. */
+static void placeFrame(ZelmFrame *frame, const ZelmFrame *model, const void *start) {
+  const uintptr_t begin = (uintptr_t)model->planes[0].data;
+  *frame = *model;
+  for (int i = 0; i < 3; ++i) {
+    ZelmPlane *plane = &frame->planes[i];
+    if (plane->data) plane->data = (uint8_t *)start + ((uintptr_t)plane->data - begin);
+  }
+}
+
 /* Makes bands until all are taken. Threads that share `next`, which begins at 0, make a
  * frame together. Returns the first code that is not ZELM_OK. */
 static int makeBands(const ZelmPlan *plan, int *next, const ZelmFrame *dst,

@@ -64,10 +64,14 @@ def shape_of(format: Format, size: Size) -> tuple[int, ...]:
     return (bytes_of(format, size),)
 
 
+def dtype_of(format: Format) -> Any:
+    """The type of a frame's samples in one array."""
+    return np.dtype(np.uint16 if format.layout == "words" else np.uint8)
+
+
 def empty(format: Format, size: Size) -> Array:
     """An array for a frame, with any content."""
-    dtype = np.uint16 if format.layout == "words" else np.uint8
-    return np.empty(shape_of(format, size), dtype)
+    return np.empty(shape_of(format, size), dtype_of(format))
 
 
 def _fail(format: Format, what: str, array: Array) -> ValueError:
@@ -290,8 +294,9 @@ def of_destination(format: Format, frame: Frame, size: Size) -> Planes:
     return found
 
 
-def fill(record: Any, format: Format, colour: int, found: Planes) -> None:
-    """Writes a frame's description into a ZelmFrame."""
+def record_of(format: Format, colour: int, found: Planes) -> Any:
+    """A ZelmFrame for these planes."""
+    record = ffi.new("ZelmFrame *")
     record.format = format.code
     record.width, record.height = found.size
     record.colour = colour
@@ -301,3 +306,40 @@ def fill(record: Any, format: Format, colour: int, found: Planes) -> None:
         target.stride = plane.stride
         target.step = plane.step
         target.size = plane.bytes
+    return record
+
+
+class WholeFrames:
+    """Frames of one format and size that fill one array of the usual shape. Most frames do,
+    and a look tells whether one does."""
+
+    def __init__(self, format: Format, size: Size, colour: int, place: int) -> None:
+        """The model's frame begins at ``place``; nothing is there or touched there."""
+        count = bytes_of(format, size)
+        if count == 0:
+            raise ValueError(
+                f"there are no {format.name} frames of {size[0]}x{size[1]}"
+            )
+        self._shape, self._dtype = shape_of(format, size), dtype_of(format)
+        self.end = place + count
+        self.model = ffi.new("ZelmFrame *")
+        start = ffi.cast("uint8_t *", place)
+        lib.zelmFrameInit(self.model, format.code, *size, start, count, 1)
+        self.model.colour = colour
+
+    def record(self, frame: Frame, written: bool) -> Any:
+        """A ZelmFrame for an array that is such a frame, None for any other frame."""
+        if not (
+            type(frame) is np.ndarray
+            and frame.shape == self._shape
+            and frame.dtype == self._dtype
+        ):
+            return None
+        flags = frame.flags
+        if not (
+            flags.c_contiguous and flags.aligned and (flags.writeable or not written)
+        ):
+            return None
+        record = ffi.new("ZelmFrame *")
+        lib.placeFrame(record, self.model, ffi.from_buffer(frame))
+        return record

@@ -72,10 +72,8 @@ class Plan:
         kept = not self._src.rgb
         self.out_matrix = dst_matrix or (src_matrix if kept else "bt601")
         self.out_range = dst_range or (src_range if kept else "full")
-        self._colours = (
-            formats.colour(src_matrix, src_range),
-            formats.colour(self.out_matrix, self.out_range),
-        )
+        source = formats.colour(src_matrix, src_range)
+        target = formats.colour(self.out_matrix, self.out_range)
         self.size = size_of("size", size)
         self._edit = edit = ffi.new("ZelmEdit *")
         part = self.size
@@ -103,28 +101,14 @@ class Plan:
             "dst_range": self.out_range,
             "threads": wanted,
         }
-        self._plan = self._prepare()
+        self._source = frames.WholeFrames(self._src, self.size, source, 4096)
+        self._target = frames.WholeFrames(
+            self._dst, self.out_size, target, self._source.end
+        )
+        self._plan = ffi.gc(
+            self._create(self._source.model, self._target.model), lib.zelmPlanDestroy
+        )
         self._threads = min(wanted, int(lib.zelmPlanBands(self._plan)))
-
-    def _prepare(self) -> Any:
-        records: list[Any] = []
-        address = 4096
-        for format, size, colour in zip(
-            (self._src, self._dst), (self.size, self.out_size), self._colours
-        ):
-            count = frames.bytes_of(format, size)
-            if count == 0:
-                raise ValueError(
-                    f"there are no {format.name} frames of {size[0]}x{size[1]}"
-                )
-            # Nothing is there, and nothing of it is touched.
-            record = ffi.new("ZelmFrame *")
-            start = ffi.cast("uint8_t *", address)
-            lib.zelmFrameInit(record, format.code, *size, start, count, 1)
-            record.colour = colour
-            address += count
-            records.append(record)
-        return ffi.gc(self._create(*records), lib.zelmPlanDestroy)
 
     def _create(self, source: Any, target: Any) -> Any:
         """A plan for frames like these."""
@@ -134,18 +118,15 @@ class Plan:
             raise _message(code, message)
         return plan[0]
 
-    def _records(self, source: frames.Planes, target: frames.Planes) -> tuple[Any, Any]:
-        from_, to = ffi.new("ZelmFrame *"), ffi.new("ZelmFrame *")
-        frames.fill(from_, self._src, self._colours[0], source)
-        frames.fill(to, self._dst, self._colours[1], target)
-        return from_, to
-
     def __call__(self, frame: Frame, out: Optional[Frame] = None) -> Any:
         """Converts a frame: an array or a tuple of planes, read where it lies.
 
         Returns a new array, or ``out`` if that is given. Any number of threads may call it
         at the same time.
         """
+        source = self._source.record(frame, written=False)
+        if source is not None:
+            return self._run(source, out)
         return self.run(frames.of_source(self._src, frame, self.size), out)
 
     def empty(self) -> frames.Array:
@@ -154,18 +135,25 @@ class Plan:
 
     def run(self, source: frames.Planes, out: Optional[Frame] = None) -> Any:
         """The same for planes that have been found before."""
+        colour = self._source.model.colour
+        return self._run(frames.record_of(self._src, colour, source), out)
+
+    def _run(self, source: Any, out: Optional[Frame]) -> Any:
         made: Frame = self.empty() if out is None else out
-        target = frames.of_destination(self._dst, made, self.out_size)
-        from_, to = self._records(source, target)
+        target = self._target.record(made, written=True)
+        if target is None:
+            planes = frames.of_destination(self._dst, made, self.out_size)
+            target = frames.record_of(self._dst, self._target.model.colour, planes)
         if self._threads == 1:
-            code = lib.zelmPlanRun(self._plan, to, from_)
+            code = lib.zelmPlanRun(self._plan, target, source)
         else:
             band = ffi.new("int *")
+            work = lib.makeBands
             code = pool.run(
-                self._threads, lambda: int(lib.makeBands(self._plan, band, to, from_))
+                self._threads, lambda: int(work(self._plan, band, target, source))
             )
         if code != 0:
-            self._refuse(code, from_, to)
+            self._refuse(code, source, target)
         return made
 
     def _refuse(self, code: int, source: Any, target: Any) -> None:
