@@ -6,7 +6,7 @@ Run by scripts/bench-python.sh, which says what the options are.
 import argparse
 import os
 import random
-import statistics
+import subprocess
 import sys
 import tempfile
 import time
@@ -110,36 +110,58 @@ def calls(rounds):
     row("nv12 to rgb24 64x48", {name: t / 1000 for name, t in least.items()})
 
 
+def raw_clip(folder, label, count):
+    path = folder / "clip.nv12"
+    frame = nv12(SIZES[label])
+    with open(path, "wb") as file:
+        for _ in range(count):
+            file.write(frame.data)
+    return Clip(path, size=SIZES[label])
+
+
+def encoded_clip(folder, label, count):
+    """With a beginning for decoders every ten frames."""
+    path = folder / "clip.mp4"
+    width, height = SIZES[label]
+    source = f"testsrc2=size={width}x{height}:rate=30"
+    lavfi = ["-f", "lavfi", "-i", source, "-frames:v", str(count)]
+    codec = ["-c:v", "libx264", "-preset", "ultrafast", "-g", "10"]
+    command = ["ffmpeg", "-v", "error", *lavfi, *codec, "-pix_fmt", "yuv420p", path]
+    subprocess.run(command, check=True)
+    return Clip(path)
+
+
+CLIPS = {
+    "1080p nv12 to rgb24": (raw_clip, "1080p", "rgb24", {}),
+    "2160p nv12 to rgb24 720p": (raw_clip, "2160p", "rgb24", {"resize": (1280, 720)}),
+    "1080p h264 to i420 720p": (encoded_clip, "1080p", "i420", {"resize": (1280, 720)}),
+}
+
+
 def clusters(rounds):
-    """Clips on one worker and on two of this machine."""
+    """Clips of 240 frames on one worker and on two of this machine."""
     machines = {
         workers: distributed.Client(
             n_workers=workers, threads_per_worker=1, dashboard_address=None
         )
         for workers in (1, 2)
     }
-    for label, resize, count in (("1080p", None, 240), ("2160p", (1280, 720), 240)):
+    for name, (made_clip, label, format, options) in CLIPS.items():
         with tempfile.TemporaryDirectory(dir=os.environ.get("ZELM_BENCH_FOLDER")) as at:
-            path, made = Path(at) / "clip.nv12", Path(at) / "made.rgb24"
-            frame = nv12(SIZES[label])
-            with open(path, "wb") as file:
-                for _ in range(count):
-                    file.write(frame.data)
-            clip = Clip(path, size=SIZES[label])
+            clip, made = made_clip(Path(at), label, 240), Path(at) / "made"
 
             def work(workers):
                 cluster.convert_clip(
                     clip,
                     made,
+                    format,
                     client=machines[workers],
-                    frames_per_task=12,
-                    resize=resize or SIZES[label],
+                    frames_per_task=20,
+                    **options,
                 )
 
             contenders = {w: lambda w=w: work(w) for w in machines}
             least = timed(contenders, rounds, before=made.unlink)
-        name = f"{count} frames of {label} nv12 to rgb24"
-        name += f" {resize[0]}x{resize[1]}" if resize else ""
         for workers, seconds in least.items():
             share = least[1] / seconds / workers
             print(

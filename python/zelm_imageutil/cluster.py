@@ -11,6 +11,7 @@ same bytes. Encoded clips are cut where decoding can begin.
 from __future__ import annotations
 
 import argparse
+import errno
 import hashlib
 import importlib
 import os
@@ -92,6 +93,15 @@ def _ranges(clip: Clip, count: int) -> list[Tuple[int, int, Optional[encoded.Par
     ]
 
 
+def _room_for(count: int, path: Path) -> int:
+    """So many bytes, if the disk of a file has them. Taking them at once would write all of
+    the file on some systems, on one machine."""
+    disk = os.statvfs(path)
+    if disk.f_bavail * disk.f_frsize < count:
+        raise OSError(errno.ENOSPC, os.strerror(errno.ENOSPC), str(path.parent))
+    return count
+
+
 def convert_clip(
     src: Union[Clip, FilePath],
     dst: FilePath,
@@ -126,20 +136,20 @@ def convert_clip(
     with appearing(Path(dst).resolve()) as temporary:
         with open(temporary, "wb") as file:
             file.write(layout.header)
-            file.flush()
-            # All of the disk that is needed: what is missing there ends it here.
-            os.posix_fallocate(file.fileno(), 0, layout.start(len(clip)))
+            file.truncate(_room_for(layout.start(len(clip)), temporary))
         ranges = _ranges(clip, parts_of)
         same = ([job] * len(ranges), [str(temporary)] * len(ranges))
         tasks = client.map(_convert_range, *same, *zip(*ranges), pure=False, retries=3)
-        range_of, made, done = dict(zip(tasks, ranges)), {}, 0
-        for task, digest in as_completed(tasks, with_results=True):
-            first, count, _ = range_of[task]
-            made[first] = Range(first, count, digest)
-            done += count
+        frames_of, done = {task: r[1] for task, r in zip(tasks, ranges)}, 0
+        for task in as_completed(tasks):
+            if task.status != "finished":
+                task.result()  # raises what the worker raised
+            done += frames_of[task]
             if progress is not None:
                 progress(done, len(clip))
-        return [made[first] for first in sorted(made)]
+        # All at once: many small messages at the same time have stopped a client for good.
+        digests = client.gather(tasks)
+        return [Range(r[0], r[1], digest) for r, digest in zip(ranges, digests)]
 
 
 def differing(
