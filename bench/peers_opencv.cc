@@ -167,16 +167,16 @@ Peer offer(const Job& job) {
       };
     case Step::kTo422:
       return to422(s, d);
+    case Step::kToRgb:
+      return toRgb(job, s, d);
+    case Step::kToTiles:
+      return toTiles(s, d);
     case Step::kFromUyvy:
       return fromUyvy(s, d);
     case Step::kFromRgb565:
       return fromRgb565(s, d);
-    case Step::kToRgb:
-      return toRgb(job, s, d);
     case Step::kFromTiles:
       return fromTiles(s, d);
-    case Step::kToTiles:
-      return toTiles(s, d);
     case Step::kBox:
       return [=]() mutable {
         cv::resize(s.y, d.y, d.y.size(), 0, 0, cv::INTER_AREA);

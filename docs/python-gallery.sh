@@ -11,4 +11,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck disable=SC2086  # a list of words
 require_packages $python_packages python3-matplotlib
 install_wheel
-build-python/venv/bin/python docs/python_gallery.py docs/python-gallery
+# The formula is the one that the tests compare with.
+PYTHONPATH=python/tests build-python/venv/bin/python docs/python_gallery.py \
+  docs/python-gallery

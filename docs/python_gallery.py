@@ -11,13 +11,9 @@ import matplotlib
 matplotlib.use("Agg")
 import matplotlib.pyplot as plt
 import numpy as np
+from reference import MATRICES, uniform_rgb
 from zelm_imageutil import Plan, convert
 
-MATRICES = {
-    "bt601": (0.299, 0.114),
-    "bt709": (0.2126, 0.0722),
-    "bt2020": (0.2627, 0.0593),
-}
 DESCRIPTIONS = [(m, r) for r in ("full", "limited") for m in MATRICES]
 FILTERS = {"nearest": "tab:gray", "linear": "tab:blue", "cubic": "tab:red"}
 TO = Path(sys.argv[1])
@@ -116,18 +112,6 @@ def filters():
     save(figure, "filters.svg")
 
 
-def formula(y, u, v, matrix, value_range):
-    """R, G and B in real numbers."""
-    kr, kb = MATRICES[matrix]
-    if value_range == "limited":
-        y, u, v = (y - 16) * 255 / 219, (u - 128) * 255 / 224, (v - 128) * 255 / 224
-    else:
-        u, v = u - 128, v - 128
-    r, b = y + 2 * (1 - kr) * v, y + 2 * (1 - kb) * u
-    g = (y - kr * r - kb * b) / (1 - kr - kb)
-    return np.clip(np.stack([r, g, b], axis=-1), 0, 255)
-
-
 BINS = np.linspace(-0.75, 0.75, 151)
 
 
@@ -142,12 +126,12 @@ def errors(matrix, value_range):
     frame[:2] = y
     counts, most, nearest = np.zeros(len(BINS) - 1, np.int64), 0.0, 0
     for u in range(256):
-        made, real = np.empty((256, 256, 3)), np.empty((256, 256, 3))
+        made, real = np.empty((256, 256, 3)), np.empty((256, 3, 256))
         for v in range(256):
             frame[2, 0::2], frame[2, 1::2] = u, v
             made[v] = plan(frame, out)[0]
-            real[v] = formula(y, u, v, matrix, value_range)
-        off = made - real
+            real[v] = uniform_rgb(y, u, v, matrix, value_range)
+        off = made - real.transpose(0, 2, 1)
         counts += np.histogram(off, BINS)[0]
         most = max(most, np.abs(off).max())
         nearest += np.count_nonzero(np.abs(off) <= 0.5)
