@@ -24,6 +24,14 @@ struct Mistake {
   std::vector<const char*> words;  // what the message has to name
 };
 
+std::function<void(Request*)> from(ZelmRegion region) {
+  return [=](Request* r) { r->edit.source = region; };
+}
+
+std::function<void(Request*)> into(ZelmRegion region) {
+  return [=](Request* r) { r->edit.destination = region; };
+}
+
 const ptrdiff_t kLargest = PTRDIFF_MAX;
 
 // What zelmPlanRunBand() finds as well.
@@ -120,67 +128,19 @@ const Mistake kMistakes[] = {
     {[](Request* r) { r->edit.turn = 360; }, ZELM_BAD_TURN, {"360"}},
     {[](Request* r) { r->edit.mirror = 2; }, ZELM_BAD_TURN, {"mirror", "2"}},
     // Outside of the frame, with sums that overflow among them.
-    {[](Request* r) {
-       r->edit.source = {0, 0, 65, 48};
-     },
-     ZELM_BAD_REGION,
-     {"source", "columns 0 to 64", "has 64"}},
-    {[](Request* r) {
-       r->edit.source = {64, 0, 2, 2};
-     },
-     ZELM_BAD_REGION,
-     {"source"}},
-    {[](Request* r) {
-       r->edit.source = {0, 46, 64, 4};
-     },
-     ZELM_BAD_REGION,
-     {"48"}},
-    {[](Request* r) {
-       r->edit.source = {2, 2, 0, 4};
-     },
-     ZELM_BAD_REGION,
-     {"0 columns"}},
-    {[](Request* r) {
-       r->edit.source = {2, 2, 4, 0};
-     },
-     ZELM_BAD_REGION,
-     {"0 rows"}},
-    {[](Request* r) {
-       r->edit.destination = {4, 4, 0, 0};
-     },
-     ZELM_BAD_REGION,
-     {"destination"}},
-    {[](Request* r) {
-       r->edit.destination = {0xFFFFFFFE, 0, 4, 4};
-     },
-     ZELM_BAD_REGION,
-     {"destination", "4294967294"}},
-    {[](Request* r) {
-       r->edit.destination = {2, 2, 4, 0xFFFFFFFE};
-     },
-     ZELM_BAD_REGION,
-     {"destination"}},
+    {from({0, 0, 65, 48}), ZELM_BAD_REGION, {"source", "columns 0 to 64", "has 64"}},
+    {from({64, 0, 2, 2}), ZELM_BAD_REGION, {"source"}},
+    {from({0, 46, 64, 4}), ZELM_BAD_REGION, {"48"}},
+    {from({2, 2, 0, 4}), ZELM_BAD_REGION, {"0 columns"}},
+    {from({2, 2, 4, 0}), ZELM_BAD_REGION, {"0 rows"}},
+    {into({4, 4, 0, 0}), ZELM_BAD_REGION, {"destination"}},
+    {into({0xFFFFFFFE, 0, 4, 4}), ZELM_BAD_REGION, {"destination", "4294967294"}},
+    {into({2, 2, 4, 0xFFFFFFFE}), ZELM_BAD_REGION, {"destination"}},
     // At places that 4:2:0 has not.
-    {[](Request* r) {
-       r->edit.source = {1, 0, 4, 4};
-     },
-     ZELM_BAD_REGION,
-     {"column 1", "I420"}},
-    {[](Request* r) {
-       r->edit.source = {0, 3, 4, 4};
-     },
-     ZELM_BAD_REGION,
-     {"row 3", "I420"}},
-    {[](Request* r) {
-       r->edit.destination = {0, 0, 33, 4};
-     },
-     ZELM_BAD_REGION,
-     {"destination", "column 33", "NV12"}},
-    {[](Request* r) {
-       r->edit.destination = {0, 2, 4, 5};
-     },
-     ZELM_BAD_REGION,
-     {"destination", "row 7", "NV12"}},
+    {from({1, 0, 4, 4}), ZELM_BAD_REGION, {"column 1", "I420"}},
+    {from({0, 3, 4, 4}), ZELM_BAD_REGION, {"row 3", "I420"}},
+    {into({0, 0, 33, 4}), ZELM_BAD_REGION, {"destination", "column 33", "NV12"}},
+    {into({0, 2, 4, 5}), ZELM_BAD_REGION, {"destination", "row 7", "NV12"}},
 };
 
 // Names the mistake that a failure belongs to.
