@@ -118,6 +118,19 @@ def convert_clip(
     :param frames_per_task: how many frames a task makes, at least where clips are encoded
     :param progress: called with the number of frames done and of all
     :returns: the ranges that were made, in order, each with its digest
+    :raises ValueError: with one sentence that says what is wrong; what a worker raised, after
+        three more tries, is raised here
+
+    >>> import os, tempfile
+    >>> from distributed import Client
+    >>> folder = tempfile.mkdtemp()
+    >>> path, made = os.path.join(folder, "clip.y4m"), os.path.join(folder, "clip.rgb24")
+    >>> with open(path, "wb") as file:
+    ...     _ = file.write(b"YUV4MPEG2 W4 H2 F25:1\\n" + 3 * (b"FRAME\\n" + bytes(12)))
+    >>> with Client(processes=False, n_workers=1, dashboard_address=None) as client:
+    ...     ranges = convert_clip(path, made, client=client)
+    >>> [(part.first, part.frames) for part in ranges], differing(made, path, ranges)
+    ([(0, 3)], [])
     """
     parts_of = count_of("frames_per_task", frames_per_task)
     clip, name, plan, layout = prepare(src, dst, format, options)

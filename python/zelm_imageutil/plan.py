@@ -193,7 +193,12 @@ def convert(
     strides: ``(height * 3 // 2, width)`` for 4:2:0 and ``(height * 2, width)`` for 4:2:2 with
     planes, ``(height, width, 2)`` for YUYV and UYVY, ``(height, width, 3)`` or ``4`` for RGB,
     ``(height, width)`` for gray and, of uint16, for RGB565. ``size`` is needed where shapes
-    do not tell it: for tiled frames and arrays of one axis.
+    do not tell it: for tiled frames and arrays of one axis. All other samples are uint8.
+
+    :param out: an array or planes to write into, of the size that is written; without it the
+        frame is in one new array of the usual shape
+    :returns: ``out``, or the new array
+    :raises ValueError: with one sentence that says what is wrong; nothing is written then
 
     >>> import numpy as np
     >>> convert(np.zeros((72, 64), np.uint8), "nv12", "rgb24", resize=(32, 24)).shape

@@ -46,6 +46,7 @@ def to_tensor(
     :param mean: of each channel, subtracted from its values of 0 to 255
     :param scale: of each channel, multiplied afterwards
     :param dtype: ``uint8`` without mean and scale, or ``float32``
+    :raises ValueError: with one sentence that says what is wrong
 
     Float values are computed as ``(value - mean) * scale`` in float32, in this order, so they
     are the same on every machine. The other options are those of :func:`convert`.
