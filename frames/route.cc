@@ -52,11 +52,7 @@ struct Band {
                     rect.row, recolours ? &route.recolour : nullptr, scratch);
   }
   RgbRows rgbRows(bool uFirst) {
-    const size_t pixels = route.targetRegion.columns;
-    RgbRows rows(route.to->rgb, route.toRgb, uFirst, pixels);
-    const Region sums = scratch.take(sizeof(int16_t), RgbRows::scratchSize(pixels), 1);
-    rows.begin(pixels, {true, true}, reinterpret_cast<int16_t*>(sums.origin));
-    return rows;
+    return RgbRows(route.to->rgb, route.toRgb, uFirst, route.targetRegion.columns);
   }
   // A row of pairs without colour.
   const uint8_t* neutralPairs() {
@@ -119,25 +115,16 @@ void yuvToRgb(Band& band) {
   const Region luma = band.luma(nullptr);
   const Region to = band.target.lumaRows(band.first, band.rows);
   if (!route.needsChroma) {
-    RgbRows rows = band.rgbRows(true);
-    const PairRow pairs = {band.neutralPairs(), 0};
-    for (size_t y = 0; y < band.rows; ++y) {
-      rows.makeRow(to.row(y), luma.row(y), pairs, pairs, true);
-    }
+    const uint8_t* neutral = band.neutralPairs();
+    band.rgbRows(true).make(to, luma, 0, {1, 2}, [&](size_t) { return neutral; });
     return;
   }
-  const size_t shared = route.rowsShared(), all = route.chroma.result().rows;
+  const size_t shared = route.rowsShared();
   PairRows pairs =
       band.pairs(chromaRect(route, band.first, band.rows, shared - 1), false);
-  RgbRows rows = band.rgbRows(pairs.uFirst());
-  for (size_t y = 0; y < band.rows; ++y) {
-    const size_t k = (band.first + y) / shared;
-    const bool upper = y % 2 == 0, partners = shared == 2 && k > 0 && k + 1 < all;
-    const size_t other = !partners ? k : upper ? k - 1 : k + 1;
-    // Upper rows take V from above as well, lower ones U from below.
-    rows.makeRow(to.row(y), luma.row(y), {pairs.get(k), k}, {pairs.get(other), other},
-                 pairs.uFirst() == upper);
-  }
+  band.rgbRows(pairs.uFirst())
+      .make(to, luma, band.first, {route.chroma.result().rows, shared},
+            [&](size_t k) { return pairs.get(k); });
 }
 
 // Chroma rows of the destination, made of those of the source.
@@ -294,9 +281,6 @@ size_t scratchFor(const Route& route, size_t first, size_t rows) {
   size_t bytes = layerScratch(route.luma, pixel, lumaRect(route, first, rows)) +
                  Target::scratchBytes(columns) + PairRows::scratchBytes(columns) +
                  4 * Scratch::bytesFor(columns + 1, 1);
-  if (route.to->isRgb()) {
-    bytes += Scratch::bytesFor(sizeof(int16_t) * RgbRows::scratchSize(columns), 1);
-  }
   if (route.needsChroma && !route.from->isRgb()) {
     // Planes of U and of V take as much as pairs, and the padding of one more.
     const Rect rect = chromaRect(route, first, rows, 1);

@@ -361,50 +361,74 @@ uint32_t pixelOf(RgbLayout layout, const Rgb& c) {
   return first | bits(c.g) << 8 | third << 16 | alpha;
 }
 
+// Whether a row of pixels is what the rule makes of its luma and chroma.
+testing::AssertionResult isRowOf(const uint8_t* made, RgbLayout layout,
+                                 const YuvToRgb& colour, const uint8_t* luma,
+                                 const ChromaRows& chroma, size_t pixels) {
+  const size_t pixelBytes = bytesOf(layout);
+  for (size_t x = 0; x < pixels; ++x) {
+    uint32_t pixel = 0;
+    for (size_t i = 0; i < pixelBytes; ++i) {
+      pixel |= static_cast<uint32_t>(made[x * pixelBytes + i]) << (8 * i);
+    }
+    const uint32_t expected = pixelOf(layout, rgbOf(colour, luma, chroma, x, pixels));
+    if (pixel != expected) {
+      return testing::AssertionFailure()
+             << "pixel " << x << " of " << pixels << ": " << std::hex << pixel
+             << " instead of " << expected;
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
 TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
   Random random(13);
-  Noise lumaNoise, ownNoise, otherNoise, toNoise;
+  Noise lumaNoise[2], pairsNoise[2], toNoise[2];
   const double matrices[][2] = {{0.299, 0.114}, {0.2126, 0.0722}, {0.2627, 0.0593}};
   for (int description = 0; description < 6; ++description) {
     const double* k = matrices[description / 2];
     const YuvToRgb colour = describe(k[0], k[1], description % 2 == 1);
     for (int layout = 0; layout < 6; ++layout) {
       const RgbLayout format = static_cast<RgbLayout>(layout);
-      const size_t pixelBytes = bytesOf(format);
-      for (const size_t pixels :
-           {1, 2, 3, 4, 15, 16, 17, 33, 34, 35, 66, 67, 130, 131, 200}) {
+      for (const size_t pixels : {1,  2,  3,  4,  15, 16, 17, 18,  31,  32, 33,
+                                  34, 35, 36, 49, 50, 66, 67, 130, 131, 200}) {
         for (int order = 0; order < 8; ++order) {
           const Guard guard = order % 2 == 0 ? Guard::kBehind : Guard::kBefore;
           const size_t chromaBytes = (pixels + 1) / 2 * 2;
-          uint8_t* luma = lumaNoise.place(pixels, guard, &random);
-          uint8_t* own = ownNoise.place(chromaBytes, guard, &random);
-          uint8_t* other = otherNoise.place(chromaBytes, guard, &random);
-          // Every other time all bytes are the lowest and the highest ones there are.
-          if (order >= 4) {
-            for (size_t i = 0; i < pixels; ++i) luma[i] = luma[i] < 128 ? 0 : 255;
-            for (size_t i = 0; i < chromaBytes; ++i) {
-              own[i] = own[i] < 128 ? 0 : 255;
-              other[i] = own[i];
+          uint8_t *luma[2], *pairs[2], *to[2];
+          for (size_t i = 0; i < 2; ++i) {
+            luma[i] = lumaNoise[i].place(pixels, guard, &random);
+            pairs[i] = pairsNoise[i].place(chromaBytes, guard, &random);
+            to[i] = toNoise[i].place(pixels * bytesOf(format), guard, &random);
+            // Every other time all bytes are the lowest and the highest ones there are.
+            if (order < 4) continue;
+            for (size_t x = 0; x < pixels; ++x) luma[i][x] = luma[i][x] < 128 ? 0 : 255;
+            for (size_t x = 0; x < chromaBytes; ++x) {
+              pairs[i][x] = pairs[0][x] < 128 ? 0 : 255;
             }
           }
-          uint8_t* made = toNoise.place(pixels * pixelBytes, guard, &random);
-          const ChromaRows chroma = {own, pixels % 3 == 0 ? own : other,
-                                     order / 2 % 2 == 0, random.below(2) == 0};
-          std::vector<int16_t> scratch(RgbRows::scratchSize(pixels));
-          RgbRows rows(format, colour, chroma.uFirst, pixels);
-          rows.begin(pixels, {true, true}, scratch.data());
-          rows.makeRow(made, luma, {own, 4},
-                       {chroma.other, own == chroma.other ? 4u : 5u}, chroma.loneFirst);
-          for (size_t x = 0; x < pixels; ++x) {
-            uint32_t pixel = 0;
-            for (size_t i = 0; i < pixelBytes; ++i) {
-              pixel |= static_cast<uint32_t>(made[x * pixelBytes + i]) << (8 * i);
-            }
-            ASSERT_EQ(pixel, pixelOf(format, rgbOf(colour, luma, chroma, x, pixels)))
-                << std::hex << "description " << description << ", layout " << layout
-                << std::dec << ", pixel " << x << " of " << pixels << ", order "
-                << order;
+          if (pixels % 3 == 0) pairs[1] = pairs[0];
+          const bool uFirst = order / 2 % 2 == 0;
+          const RgbKernels kernels = rgbKernels(format, pixels);
+          const std::string which = "description " + std::to_string(description) +
+                                    ", layout " + std::to_string(layout) + ", order " +
+                                    std::to_string(order);
+          for (const bool loneFirst : {false, true}) {
+            const ChromaRows chroma = {pairs[0], pairs[1], uFirst, loneFirst};
+            kernels.row(to[0], luma[0], chroma, pixels, colour);
+            ASSERT_TRUE(isRowOf(to[0], format, colour, luma[0], chroma, pixels))
+                << which << ", one row";
           }
+          kernels.twoRows(
+              {{to[0], to[1]}, {luma[0], luma[1]}, {pairs[0], pairs[1]}, uFirst},
+              pixels, colour);
+          // The lower row averages U, the upper one V.
+          ASSERT_TRUE(isRowOf(to[0], format, colour, luma[0],
+                              {pairs[0], pairs[1], uFirst, !uFirst}, pixels))
+              << which << ", lower row";
+          ASSERT_TRUE(isRowOf(to[1], format, colour, luma[1],
+                              {pairs[1], pairs[0], uFirst, uFirst}, pixels))
+              << which << ", upper row";
         }
       }
     }

@@ -68,13 +68,37 @@ template <class Format, bool kIsBt601Full>
   };
   size_t done = 0;
 #if ZELM_VECTORS
-  done = convertBlocks<Format, kIsBt601Full>(to, luma, chroma, last, colour, blueFirst);
+  done =
+      convertBlocks<Format, kIsBt601Full>(to, luma, chroma, pixels, colour, blueFirst);
   // The right pixel of the first pair was converted like an inner one.
   if (done > 0) put(1, 0);
 #endif
   for (size_t j = done; j < pairs; ++j) {
     put(2 * j, j);
     if (2 * j + 1 < pixels) put(2 * j + 1, j == 0 || j == last ? j : j + 1);
+  }
+}
+
+template <class Format, bool kIsBt601Full>
+[[gnu::noinline]] void convertTwoRows(const TwoRows& rows, size_t pixels,
+                                      const YuvToRgb& colour, bool blueFirst) {
+  const auto chroma = [&](size_t i) HWY_ATTR {
+    const bool upper = i == 1;
+    return ChromaRows{rows.pairs[i], rows.pairs[1 - i], rows.uFirst,
+                      rows.uFirst == upper};
+  };
+#if ZELM_X86 && HWY_TARGET == HWY_AVX2
+  if (convertTwo<Format, kIsBt601Full>(rows, pixels, colour, blueFirst) > 0) {
+    for (size_t i = 0; i < 2 * (pixels % 2); ++i) {
+      putPixel<Format>(rows.to[i], rows.luma[i], chroma(i), pixels - 1, pixels / 2,
+                       colour, blueFirst);
+    }
+    return;
+  }
+#endif
+  for (size_t i = 0; i < 2; ++i) {
+    convertRow<Format, kIsBt601Full>(rows.to[i], rows.luma[i], chroma(i), pixels,
+                                     colour, blueFirst);
   }
 }
 
@@ -87,22 +111,20 @@ void rgbRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma, size_t p
 }
 
 template <class Format, bool kBlueFirst>
-RgbKernels kernelsFor([[maybe_unused]] size_t pixels) {
-  RgbKernels kernels = {rgbRow<Format, kBlueFirst>, nullptr, nullptr};
-#if ZELM_X86 && HWY_TARGET == HWY_AVX2
-  if (pixels >= kLeastPixels) {
-    kernels.expand = expandChroma;
-    kernels.rowOfSums = rgbRowOfSums<Format, kBlueFirst>;
-  }
-#endif
-  return kernels;
+void rgbTwoRows(const TwoRows& rows, size_t pixels, const YuvToRgb& colour) {
+  (colour.bt601Full ? convertTwoRows<Format, true>
+                    : convertTwoRows<Format, false>)(rows, pixels, colour, kBlueFirst);
 }
 
-RgbKernels kernelsOf(RgbLayout layout, size_t pixels) {
-  RgbKernels (*const kernels[])(size_t) = {
-      kernelsFor<Rgb888, false>,  kernelsFor<Rgb888, true>, kernelsFor<Rgba8888, false>,
-      kernelsFor<Rgba8888, true>, kernelsFor<Rgb565, true>, kernelsFor<Rgb565, false>};
-  return kernels[static_cast<int>(layout)](pixels);
+template <class Format, bool kBlueFirst>
+constexpr RgbKernels kKernels = {rgbRow<Format, kBlueFirst>,
+                                 rgbTwoRows<Format, kBlueFirst>};
+
+RgbKernels kernelsOf(RgbLayout layout) {
+  constexpr RgbKernels kernels[] = {kKernels<Rgb888, false>,   kKernels<Rgb888, true>,
+                                    kKernels<Rgba8888, false>, kKernels<Rgba8888, true>,
+                                    kKernels<Rgb565, true>,    kKernels<Rgb565, false>};
+  return kernels[static_cast<int>(layout)];
 }
 
 }  // namespace
@@ -114,82 +136,21 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-// Columns that are converted from top to bottom at a time, where chroma is expanded.
-// Their two rows of sums take 32 KiB of the stack; narrower strips would break rows of
-// the destination into pieces, which takes up to 1.25 of the time.
-static constexpr size_t kStrip = 4096;
-
 // The last pair is left to plain code.
-RgbRows::RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels)
-    : kernels_(ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(layout,
-                                                                              pixels)),
-      colour_(colour),
-      uFirst_(uFirst) {}
-
-void RgbRows::begin(size_t pixels, RowEnds ends, int16_t* scratch) {
-  pixels_ = pixels;
-  ends_ = ends;
-  if (!expands()) return;
-  for (size_t i = 0; i < 2; ++i) {
-    kept_[i] = scratch + i * (scratchSize(pixels) / 2);
-    number_[i] = SIZE_MAX;
-  }
-}
-
-const int16_t* RgbRows::sums(const PairRow& row) {
-  int16_t* kept = kept_[row.number % 2];
-  size_t& number = number_[row.number % 2];
-  if (number != row.number) {
-    kernels_.expand(kept, row.pairs, pixels_, ends_);
-    number = row.number;
-  }
-  return kept;
-}
-
-void RgbRows::makeRow(uint8_t* to, const uint8_t* luma, const PairRow& own,
-                      const PairRow& other, bool loneFirst) {
-  if (!expands()) {
-    kernels_.row(to, luma, {own.pairs, other.pairs, uFirst_, loneFirst}, pixels_,
-                 colour_);
-    return;
-  }
-  const int16_t *ownSums = sums(own), *otherSums = sums(other);
-  kernels_.rowOfSums(
-      to, luma,
-      {ownSums, loneFirst ? ownSums : otherSums, loneFirst ? otherSums : ownSums},
-      pixels_, colour_, uFirst_);
+RgbKernels rgbKernels(RgbLayout layout, size_t pixels) {
+  return ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(layout);
 }
 
 static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
                           RgbLayout layout) {
-  const Region to = packedRegion(dst, pixelBytes(layout));
+  Region to = packedRegion(dst, pixelBytes(layout));
   const Region luma = lumaRegion(src);
   const Region chroma = chromaRegion(src);
   if (chroma.empty()) return;
-  const bool uFirst = src.format == FORMAT_YUV420SP;
-  const size_t pixels = 2 * chroma.columns;
-  RgbRows rows(layout, kBt601Full, uFirst, pixels);
-  alignas(64) int16_t scratch[RgbRows::scratchSize(kStrip)];
-
-  size_t end;
-  for (size_t x = 0; x < pixels; x = end) {
-    // What would be left for the last strip is shared with the one before it.
-    const size_t left = pixels - x;
-    end = !rows.expands() || left <= kStrip ? pixels
-          : left < 2 * kStrip               ? x + left / 4 * 2
-                                            : x + kStrip;
-    rows.begin(end - x, {x == 0, end == pixels}, scratch);
-    for (size_t k = 0; k < chroma.rows; ++k) {
-      const bool partners = k > 0 && k + 1 < chroma.rows;
-      const PairRow own = {chroma.row(k) + x, k};
-      const PairRow above = partners ? PairRow{chroma.row(k - 1) + x, k - 1} : own;
-      const PairRow below = partners ? PairRow{chroma.row(k + 1) + x, k + 1} : own;
-      // The upper row takes V from above as well, the lower one U from below.
-      uint8_t* pixelsTo = to.row(2 * k) + x * pixelBytes(layout);
-      rows.makeRow(pixelsTo, luma.row(2 * k) + x, own, above, uFirst);
-      rows.makeRow(pixelsTo + to.stride, luma.row(2 * k + 1) + x, own, below, !uFirst);
-    }
-  }
+  to.rows = 2 * chroma.rows;
+  const RgbRows rows(layout, kBt601Full, src.format == FORMAT_YUV420SP,
+                     2 * chroma.columns);
+  rows.make(to, luma, 0, {chroma.rows, 2}, [&](size_t k) { return chroma.row(k); });
 }
 
 }  // namespace zelm

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "convert/rgb_layout.h"
+#include "plane.h"
 
 namespace zelm {
 
@@ -36,63 +37,80 @@ constexpr YuvToRgb kBt601Full = {0, 16384, 22970, 5638, 11700, 29032, true};
 using RgbRow = void(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
                     size_t pixels, const YuvToRgb& colour);
 
-// Whether a row begins and ends where its image does. Otherwise a pair follows it.
-struct RowEnds {
-  bool first, last;
+// Two luma rows that follow each other and see the same two chroma rows: the lower one
+// of pairs[0] and the upper one of pairs[1], which may be the same row.
+struct TwoRows {
+  uint8_t* to[2];
+  const uint8_t* luma[2];
+  const uint8_t* pairs[2];
+  bool uFirst;
 };
 
-// Chroma rows expanded to sums for each pixel: the row's own ones, and where the first
-// and the second byte of pairs come from beside it.
-struct ChromaSums {
-  const int16_t *own, *first, *second;
-};
+using RgbTwoRows = void(const TwoRows& rows, size_t pixels, const YuvToRgb& colour);
 
-// Kernels for rows of some length. With some instruction sets chroma rows are expanded
-// once and serve several rows; with others and for short rows, for which the last two
-// are null, each row takes them as they are.
 struct RgbKernels {
   RgbRow* row;
-  void (*expand)(int16_t* sums, const uint8_t* pairs, size_t pixels, RowEnds ends);
-  void (*rowOfSums)(uint8_t* to, const uint8_t* luma, const ChromaSums& chroma,
-                    size_t pixels, const YuvToRgb& colour, bool uFirst);
+  RgbTwoRows* twoRows;
 };
 
-// A row of chroma pairs, with a number of its own in the image.
-struct PairRow {
-  const uint8_t* pairs;
-  size_t number;
+// The kernels for rows of so many pixels.
+RgbKernels rgbKernels(RgbLayout layout, size_t pixels);
+
+// How many chroma rows an image has, and how many luma rows each of them serves.
+struct ChromaSharing {
+  size_t rows;
+  size_t shared;
 };
 
-// Converts rows of an image, or of a strip of its columns.
+// Converts rows of an image.
 class RgbRows {
  public:
-  RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels);
+  RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels)
+      : kernels_(rgbKernels(layout, pixels)),
+        colour_(colour),
+        uFirst_(uFirst),
+        pixels_(pixels) {}
 
-  // How many int16_t makeRow() works in for rows of so many pixels. They should begin
-  // at a multiple of 64 bytes, as each of the two rows in them then does.
-  static constexpr size_t scratchSize(size_t pixels) {
-    return 2 * ((2 * (pixels + 1) + 31) / 32 * 32);
+  // Makes the rows of `to`, of which the first is row `first` of the image. Chroma row
+  // k is pairs(k).
+  template <class Pairs>
+  void make(const Region& to, const Region& luma, size_t first,
+            const ChromaSharing& chroma, const Pairs& pairs) const {
+    for (size_t y = 0; y < to.rows; ++y) {
+      const Seen seen = seenBy(first + y, chroma), next = seenBy(first + y + 1, chroma);
+      const uint8_t *own = pairs(seen.own), *other = pairs(seen.other);
+      if (y + 1 < to.rows && next.own == seen.other && next.other == seen.own) {
+        kernels_.twoRows({{to.row(y), to.row(y + 1)},
+                          {luma.row(y), luma.row(y + 1)},
+                          {own, other},
+                          uFirst_},
+                         pixels_, colour_);
+        ++y;
+      } else {
+        const bool upper = (first + y) % 2 == 0;
+        kernels_.row(to.row(y), luma.row(y), {own, other, uFirst_, uFirst_ == upper},
+                     pixels_, colour_);
+      }
+    }
   }
-  // Whether it needs scratch at all, and so goes well with strips.
-  bool expands() const { return kernels_.expand != nullptr; }
-  // Begins an image, or a strip of one, of so many pixels.
-  void begin(size_t pixels, RowEnds ends, int16_t* scratch);
-
-  // Makes a row. Of its chroma one byte, the first one if `loneFirst`, is taken from
-  // `own` alone, and the other one from `other`, too.
-  void makeRow(uint8_t* to, const uint8_t* luma, const PairRow& own,
-               const PairRow& other, bool loneFirst);
 
  private:
-  const int16_t* sums(const PairRow& row);
+  struct Seen {
+    size_t own, other;
+  };
+
+  // An upper luma row takes V from the chroma row above as well, a lower one U from the
+  // one below. The first and the last chroma row stand alone.
+  static Seen seenBy(size_t y, const ChromaSharing& chroma) {
+    const size_t k = y / chroma.shared;
+    if (chroma.shared == 1 || k == 0 || k + 1 >= chroma.rows) return {k, k};
+    return {k, y % 2 == 0 ? k - 1 : k + 1};
+  }
 
   const RgbKernels kernels_;
   const YuvToRgb& colour_;
   const bool uFirst_;
-  size_t pixels_ = 0;
-  RowEnds ends_ = {true, true};
-  int16_t* kept_[2] = {};  // rows of even and of odd numbers
-  size_t number_[2] = {};
+  const size_t pixels_;
 };
 
 }  // namespace zelm

@@ -250,8 +250,9 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
 
 template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
-                                const ChromaRows& chroma, size_t pairs,
+                                const ChromaRows& chroma, size_t pixels,
                                 const YuvToRgb& colour, bool blueFirst) {
+  const size_t pairs = (pixels + 1) / 2 - 1;  // those that have a pair behind them
   const bool loneIsU = chroma.uFirst == chroma.loneFirst;
   const Weights<kIsBt601Full> weights(colour, loneIsU);
   if (loneIsU == blueFirst) {

@@ -251,17 +251,22 @@ HWY_AFTER_NAMESPACE();
 
 #include "convert/yuv_to_rgb_vbmi-inl.h"
 
+#if HWY_TARGET == HWY_AVX2
+#include "convert/yuv_to_rgb_avx2-inl.h"
+#else
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
 template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
-                                const ChromaRows& chroma, size_t pairs,
+                                const ChromaRows& chroma, size_t pixels,
                                 const YuvToRgb& colour, bool blueFirst) {
   const Weights<kIsBt601Full> weights(colour, chroma.uFirst);
-  const RgbKernel<Weights<kIsBt601Full>> kernel(chroma, weights, blueFirst);
+  const RgbKernel<Weights<kIsBt601Full> > kernel(chroma, weights, blueFirst);
   constexpr size_t kPairs = kBytes / 2;
+  const size_t pairs = (pixels + 1) / 2 - 1;  // those that have a pair behind them
   if (pairs < kPairs) return 0;
   // Unlike inBlocks, this calls the kernel in one place, and so the compiler inlines
   // it.
@@ -276,6 +281,6 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
-#include "convert/yuv_to_rgb_avx2-inl.h"
+#endif
 
 #endif  // ZELM_X86
