@@ -352,10 +352,9 @@ size_t bytesOf(RgbLayout layout) {
 // The bytes of a pixel, the first one lowest.
 uint32_t pixelOf(RgbLayout layout, const Rgb& c) {
   const auto bits = [](int value) { return static_cast<uint32_t>(value); };
-  const bool blueFirst = layout == RgbLayout::kBgr24 || layout == RgbLayout::kBgra ||
-                         layout == RgbLayout::kBgr565;
-  const uint32_t first = bits(blueFirst ? c.b : c.r),
-                 third = bits(blueFirst ? c.r : c.b);
+  const bool bgr = layout == RgbLayout::kBgr24 || layout == RgbLayout::kBgra ||
+                   layout == RgbLayout::kBgr565;
+  const uint32_t first = bits(bgr ? c.b : c.r), third = bits(bgr ? c.r : c.b);
   if (bytesOf(layout) == 2) return first >> 3 << 11 | bits(c.g) >> 2 << 5 | third >> 3;
   const uint32_t alpha = bytesOf(layout) == 4 ? 0xFF000000 : 0;
   return first | bits(c.g) << 8 | third << 16 | alpha;
@@ -409,19 +408,23 @@ TEST(Colour, RowsFollowTheRuleInAllDescriptionsAndLayouts) {
           }
           if (pixels % 3 == 0) pairs[1] = pairs[0];
           const bool uFirst = order / 2 % 2 == 0;
-          const RgbKernels kernels = rgbKernels(format, pixels);
+          const RgbKernels kernels =
+              rgbKernels(bytesOf(format), colour.bt601Full, pixels);
           const std::string which = "description " + std::to_string(description) +
                                     ", layout " + std::to_string(layout) + ", order " +
                                     std::to_string(order);
           for (const bool loneFirst : {false, true}) {
             const ChromaRows chroma = {pairs[0], pairs[1], uFirst, loneFirst};
-            kernels.row(to[0], luma[0], chroma, pixels, colour);
+            kernels.row(to[0], luma[0], chroma, pixels, colour, blueFirst(format));
             ASSERT_TRUE(isRowOf(to[0], format, colour, luma[0], chroma, pixels))
                 << which << ", one row";
           }
-          kernels.twoRows(
-              {{to[0], to[1]}, {luma[0], luma[1]}, {pairs[0], pairs[1]}, uFirst},
-              pixels, colour);
+          kernels.twoRows({{to[0], to[1]},
+                           {luma[0], luma[1]},
+                           {pairs[0], pairs[1]},
+                           uFirst,
+                           order % 3 == 0},
+                          pixels, colour, blueFirst(format));
           // The lower row averages U, the upper one V.
           ASSERT_TRUE(isRowOf(to[0], format, colour, luma[0],
                               {pairs[0], pairs[1], uFirst, !uFirst}, pixels))

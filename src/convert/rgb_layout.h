@@ -19,6 +19,12 @@ constexpr bool redFirst(RgbLayout layout) {
   return layout == RgbLayout::kRgb24 || layout == RgbLayout::kRgba;
 }
 
+// Whether blue lies before red in memory, or in the low bits of words.
+constexpr bool blueFirst(RgbLayout layout) {
+  return layout == RgbLayout::kBgr24 || layout == RgbLayout::kBgra ||
+         layout == RgbLayout::kRgb565;
+}
+
 constexpr bool isWords565(RgbLayout layout) {
   return layout == RgbLayout::kRgb565 || layout == RgbLayout::kBgr565;
 }

@@ -25,6 +25,7 @@
 #include "convert/yuv_to_rgb_x86-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -56,11 +57,9 @@ HWY_INLINE void putPixel(uint8_t* to, const uint8_t* luma, const ChromaRows& chr
   Format::put(to + x * Format::kPixelBytes, blueFirst ? b : r, g, blueFirst ? r : b);
 }
 
-// Stays a function of its own, because two layouts share it.
 template <class Format, bool kIsBt601Full>
-[[gnu::noinline]] void convertRow(uint8_t* to, const uint8_t* luma,
-                                  const ChromaRows& chroma, size_t pixels,
-                                  const YuvToRgb& anyColour, bool blueFirst) {
+void convertRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
+                size_t pixels, const YuvToRgb& anyColour, bool blueFirst) {
   const YuvToRgb& colour = kIsBt601Full ? kBt601Full : anyColour;
   const size_t pairs = (pixels + 1) / 2, last = pairs - 1;
   const auto put = [&](size_t x, size_t other) HWY_ATTR {
@@ -70,8 +69,8 @@ template <class Format, bool kIsBt601Full>
 #if ZELM_VECTORS
   done =
       convertBlocks<Format, kIsBt601Full>(to, luma, chroma, pixels, colour, blueFirst);
-  // The right pixel of the first pair was converted like an inner one.
-  if (done > 0) put(1, 0);
+  // Where blocks convert the right pixel of the first pair like an inner one.
+  if (done > 0 && !kPutsFirstPair) put(1, 0);
 #endif
   for (size_t j = done; j < pairs; ++j) {
     put(2 * j, j);
@@ -80,15 +79,15 @@ template <class Format, bool kIsBt601Full>
 }
 
 template <class Format, bool kIsBt601Full>
-[[gnu::noinline]] void convertTwoRows(const TwoRows& rows, size_t pixels,
-                                      const YuvToRgb& colour, bool blueFirst) {
+void convertTwoRows(const TwoRows& rows, size_t pixels, const YuvToRgb& colour,
+                    bool blueFirst) {
   const auto chroma = [&](size_t i) HWY_ATTR {
     const bool upper = i == 1;
     return ChromaRows{rows.pairs[i], rows.pairs[1 - i], rows.uFirst,
                       rows.uFirst == upper};
   };
 #if ZELM_X86 && HWY_TARGET == HWY_AVX2
-  if (convertTwo<Format, kIsBt601Full>(rows, pixels, colour, blueFirst) > 0) {
+  if (convertTwo<Format, kIsBt601Full>(rows, pixels, colour, blueFirst)) {
     for (size_t i = 0; i < 2 * (pixels % 2); ++i) {
       putPixel<Format>(rows.to[i], rows.luma[i], chroma(i), pixels - 1, pixels / 2,
                        colour, blueFirst);
@@ -102,29 +101,16 @@ template <class Format, bool kIsBt601Full>
   }
 }
 
-template <class Format, bool kBlueFirst>
-void rgbRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma, size_t pixels,
-            const YuvToRgb& colour) {
-  (colour.bt601Full
-       ? convertRow<Format, true>
-       : convertRow<Format, false>)(to, luma, chroma, pixels, colour, kBlueFirst);
-}
+template <class Format, bool kIsBt601Full>
+constexpr RgbKernels kKernels = {convertRow<Format, kIsBt601Full>,
+                                 convertTwoRows<Format, kIsBt601Full>};
 
-template <class Format, bool kBlueFirst>
-void rgbTwoRows(const TwoRows& rows, size_t pixels, const YuvToRgb& colour) {
-  (colour.bt601Full ? convertTwoRows<Format, true>
-                    : convertTwoRows<Format, false>)(rows, pixels, colour, kBlueFirst);
-}
-
-template <class Format, bool kBlueFirst>
-constexpr RgbKernels kKernels = {rgbRow<Format, kBlueFirst>,
-                                 rgbTwoRows<Format, kBlueFirst>};
-
-RgbKernels kernelsOf(RgbLayout layout) {
-  constexpr RgbKernels kernels[] = {kKernels<Rgb888, false>,   kKernels<Rgb888, true>,
-                                    kKernels<Rgba8888, false>, kKernels<Rgba8888, true>,
-                                    kKernels<Rgb565, true>,    kKernels<Rgb565, false>};
-  return kernels[static_cast<int>(layout)];
+RgbKernels kernelsOf(size_t pixelBytes, bool isBt601Full) {
+  constexpr RgbKernels kernels[][2] = {
+      {kKernels<Rgb565, false>, kKernels<Rgb565, true>},
+      {kKernels<Rgb888, false>, kKernels<Rgb888, true>},
+      {kKernels<Rgba8888, false>, kKernels<Rgba8888, true>}};
+  return kernels[pixelBytes - 2][isBt601Full];
 }
 
 }  // namespace
@@ -137,8 +123,9 @@ HWY_AFTER_NAMESPACE();
 namespace zelm {
 
 // The last pair is left to plain code.
-RgbKernels rgbKernels(RgbLayout layout, size_t pixels) {
-  return ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(layout);
+RgbKernels rgbKernels(size_t pixelBytes, bool isBt601Full, size_t pixels) {
+  return ZELM_KERNEL_FOR(kernelsOf, pixels - (pixels < 2 ? pixels : 2))(pixelBytes,
+                                                                        isBt601Full);
 }
 
 static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
@@ -148,9 +135,12 @@ static void convertRegion(const ImageStruct& dst, const ImageStruct& src,
   const Region chroma = chromaRegion(src);
   if (chroma.empty()) return;
   to.rows = 2 * chroma.rows;
-  const RgbRows rows(layout, kBt601Full, src.format == FORMAT_YUV420SP,
-                     2 * chroma.columns);
+  const size_t pixels = 2 * chroma.columns;
+  const bool stream = worthStreaming(to.rows * pixels * (pixelBytes(layout) + 1) +
+                                     pixels * chroma.rows);
+  const RgbRows rows(layout, kBt601Full, src.format == FORMAT_YUV420SP, pixels, stream);
   rows.make(to, luma, 0, {chroma.rows, 2}, [&](size_t k) { return chroma.row(k); });
+  if (stream) finishStreaming();
 }
 
 }  // namespace zelm

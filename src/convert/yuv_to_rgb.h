@@ -35,7 +35,7 @@ constexpr YuvToRgb kBt601Full = {0, 16384, 22970, 5638, 11700, 29032, true};
 // Makes a row of pixels. The rows of chroma have a pair for every two of them, and one
 // more for the last pixel of an odd number.
 using RgbRow = void(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
-                    size_t pixels, const YuvToRgb& colour);
+                    size_t pixels, const YuvToRgb& colour, bool blueFirst);
 
 // Two luma rows that follow each other and see the same two chroma rows: the lower one
 // of pairs[0] and the upper one of pairs[1], which may be the same row.
@@ -44,17 +44,19 @@ struct TwoRows {
   const uint8_t* luma[2];
   const uint8_t* pairs[2];
   bool uFirst;
+  bool stream;  // whether storing past the caches is worth it
 };
 
-using RgbTwoRows = void(const TwoRows& rows, size_t pixels, const YuvToRgb& colour);
+using RgbTwoRows = void(const TwoRows& rows, size_t pixels, const YuvToRgb& colour,
+                        bool blueFirst);
 
 struct RgbKernels {
   RgbRow* row;
   RgbTwoRows* twoRows;
 };
 
-// The kernels for rows of so many pixels.
-RgbKernels rgbKernels(RgbLayout layout, size_t pixels);
+// The kernels for rows of so many pixels, of 2 to 4 bytes.
+RgbKernels rgbKernels(size_t pixelBytes, bool isBt601Full, size_t pixels);
 
 // How many chroma rows an image has, and how many luma rows each of them serves.
 struct ChromaSharing {
@@ -65,11 +67,14 @@ struct ChromaSharing {
 // Converts rows of an image.
 class RgbRows {
  public:
-  RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels)
-      : kernels_(rgbKernels(layout, pixels)),
+  RgbRows(RgbLayout layout, const YuvToRgb& colour, bool uFirst, size_t pixels,
+          bool stream = false)
+      : kernels_(rgbKernels(pixelBytes(layout), colour.bt601Full, pixels)),
+        blueFirst_(blueFirst(layout)),
         colour_(colour),
         uFirst_(uFirst),
-        pixels_(pixels) {}
+        pixels_(pixels),
+        stream_(stream) {}
 
   // Makes the rows of `to`, of which the first is row `first` of the image. Chroma row
   // k is pairs(k).
@@ -83,13 +88,14 @@ class RgbRows {
         kernels_.twoRows({{to.row(y), to.row(y + 1)},
                           {luma.row(y), luma.row(y + 1)},
                           {own, other},
-                          uFirst_},
-                         pixels_, colour_);
+                          uFirst_,
+                          stream_},
+                         pixels_, colour_, blueFirst_);
         ++y;
       } else {
         const bool upper = (first + y) % 2 == 0;
         kernels_.row(to.row(y), luma.row(y), {own, other, uFirst_, uFirst_ == upper},
-                     pixels_, colour_);
+                     pixels_, colour_, blueFirst_);
       }
     }
   }
@@ -108,9 +114,11 @@ class RgbRows {
   }
 
   const RgbKernels kernels_;
+  const bool blueFirst_;
   const YuvToRgb& colour_;
   const bool uFirst_;
   const size_t pixels_;
+  const bool stream_;
 };
 
 }  // namespace zelm

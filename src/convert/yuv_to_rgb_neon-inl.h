@@ -248,6 +248,8 @@ HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
       });
 }
 
+constexpr bool kPutsFirstPair = false;
+
 template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
                                 const ChromaRows& chroma, size_t pixels,
