@@ -11,9 +11,8 @@
 //   Y: 4897 = 19 * 256 + 33, 9611 = 38 * 256 - 117, 1876 = 7 * 256 + 84
 //   V: 8192 = 32 * 256, -6860 = -27 * 256 + 52, -1332 = -5 * 256 - 52
 //   U: -2765 = -11 * 256 + 51, -5427 = -21 * 256 - 51, 8192 = 32 * 256
-// and 2048 = 8 * 256. Rounding chroma away from zero is (C + 2048) >> 14 for positive
-// and (C - 1 + 2048 + 48 * 256) >> 14 for negative sums; 128 and the 2048 are 8200 in
-// h.
+// and 2048 = 8 * 256. With 2048 added, a sum of chroma that is negative gets 48 * 256
+// more before it is rounded down, which rounds it away from zero.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/rgb565_in.cc"
 #include "simd/each_target.h"  // before all others

@@ -40,13 +40,13 @@ HWY_INLINE uint8x8_t lumaOf(const RgbLanes& c) {
   return vreinterpret_u8_s8(vshrn_n_s16(vsraq_n_s16(high, low, 8), 6));
 }
 
-// Rounds C = 256 high + low, with 8200 in high, to a chroma byte.
+// Rounds C = 256 high + low, with 128 and the rounding, 8200, in high, to a chroma
+// byte.
 HWY_INLINE uint8x8_t centred(int16x8_t high, int16x8_t low) {
   const int16x8_t sum = vsraq_n_s16(high, low, 8);
   const int16x8_t negative = vreinterpretq_s16_u16(vcltq_s16(sum, vdupq_n_s16(8200)));
-  const int16x8_t lower = vsraq_n_s16(high, vaddq_s16(low, negative), 8);
   return vreinterpret_u8_s8(
-      vshrn_n_s16(vaddq_s16(lower, vandq_s16(negative, vdupq_n_s16(48))), 6));
+      vshrn_n_s16(vaddq_s16(sum, vandq_s16(negative, vdupq_n_s16(48))), 6));
 }
 
 HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {

@@ -14,7 +14,10 @@ namespace {
 struct RgbLanes {
   Vec<U8> rg, b1;
 };
-constexpr uint8_t kConstant = 200;
+constexpr uint8_t kConstant = 128;
+// The weight of the constant that makes the rounding, 2048.
+constexpr int kRounding = 16;
+static_assert(kConstant * kRounding == 2048, "an eighth of 2^14");
 
 // Shifts each field to the top of its lane and multiplies it. The upper half of
 // (field << 11) * 264 is field * 33 / 4, which repeats the top bits of 5 bits, and that
@@ -43,35 +46,34 @@ HWY_INLINE Vec<U16> lumaOf(const RgbLanes& c) {
   const Vec<I16> high =
       hn::Add(pairProducts8(c.rg, weights(19, 38)), pairProducts8(c.b1, weights(7, 0)));
   const Vec<I16> low = hn::Add(pairProducts8(c.rg, weights(33, -117)),
-                               pairProducts8(c.b1, weights(84, 0)));
-  const Vec<I16> rounded = hn::Add(high, hn::Set(i16, 8));
-  return asU16(hn::ShiftRight<6>(hn::Add(rounded, hn::ShiftRight<8>(low))));
+                               pairProducts8(c.b1, weights(84, kRounding)));
+  return asU16(hn::ShiftRight<6>(hn::Add(high, hn::ShiftRight<8>(low))));
 }
 
-// The chroma of the pixels in even lanes: V in even lanes, U in odd ones.
-HWY_INLINE Vec<U16> chromaOf(const RgbLanes& c) {
+// The chroma of the pixels in even lanes, less 128: V in even lanes, U in odd ones.
+HWY_INLINE Vec<I16> chromaOf(const RgbLanes& c) {
   alignas(16) static constexpr uint8_t kEvenLanes[16] = {0, 1, 0, 1, 4,  5,  4,  5,
                                                          8, 9, 8, 9, 12, 13, 12, 13};
   const Vec<U8> rg = pickInBlocks(c.rg, everyBlock(kEvenLanes));
   const Vec<U8> b1 = pickInBlocks(c.b1, everyBlock(kEvenLanes));
-  constexpr int kOffset = 41;
-  static_assert(kConstant * kOffset == 128 * 64 + 8, "offset and rounding");
   const Vec<I16> high = hn::Add(pairProducts8(rg, weights(32, -27, -11, -21)),
-                                pairProducts8(b1, weights(-5, kOffset, 32, kOffset)));
-  const Vec<I16> low = hn::Add(pairProducts8(rg, weights(0, 52, 51, -51)),
-                               pairProducts8(b1, weights(-52, 0, 0, 0)));
+                                pairProducts8(b1, weights(-5, 0, 32, 0)));
+  const Vec<I16> low =
+      hn::Add(pairProducts8(rg, weights(0, 52, 51, -51)),
+              pairProducts8(b1, weights(-52, kRounding, 0, kRounding)));
   const Vec<I16> sum = hn::Add(high, hn::ShiftRight<8>(low));
-  const Vec<I16> negative =
-      hn::VecFromMask(i16, hn::Lt(sum, hn::Set(i16, kConstant * kOffset)));
-  const Vec<I16> lower = hn::Add(high, hn::ShiftRight<8>(hn::Add(low, negative)));
-  return asU16(hn::ShiftRight<6>(hn::Add(lower, hn::And(negative, hn::Set(i16, 48)))));
+  // Only negative sums have these bits.
+  const Vec<I16> more =
+      asI16(hn::And(hn::ShiftRight<10>(asU16(sum)), hn::Set(u16, 48)));
+  return hn::ShiftRight<6>(hn::Add(sum, more));
 }
 
 HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
   store(pack(lumaOf(a), lumaOf(b)), luma);
 }
 HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
-  store(pack(chromaOf(a), chromaOf(b)), chroma);
+  const Vec<U8> pairs = asU8(packSignedInBlocks(chromaOf(a), chromaOf(b)));
+  store(joinBlocks(hn::Xor(pairs, hn::Set(u8, 128))), chroma);
 }
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
