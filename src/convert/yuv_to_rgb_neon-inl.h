@@ -1,5 +1,9 @@
 // YUV to packed RGB on Arm. Included by yuv_to_rgb.cc, which says
 // what is computed, in each of its passes.
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+
 #include "convert/pixel_formats.h"
 #include "convert/yuv_to_rgb.h"
 #include "simd/vector-inl.h"
@@ -12,7 +16,7 @@ namespace {
 
 // 16 pixels, in order; b comes before r where blue comes first.
 struct RgbBytes {
-  Vec<U8> r, g, b;
+  uint8x16_t r, g, b;
 };
 
 // What the pixels of 8 pairs have as 16-bit lanes in the channel of the lone byte, in
@@ -24,8 +28,8 @@ struct Channels {
 // The weights of a description of colour, and what they make of chroma and luma. With s
 // = byte - 128, l[0] is 2 s of the lone byte and l[1] is s + s[next]; m holds the same
 // of the other byte, summed over two rows. So the rule's differences are 2 l and m.
-//   channels(l, m, luma)    for the 8 pairs whose luma is there, or without it
-//   finish(y, low, high)    bytes of two such lanes, with luma y if it was left out
+//   channels(l, m, y)        of 8 pairs with the luma of left and right pixels, or
+//   without finish(y, left, right)   their bytes, with luma if it was left out
 template <bool kIsBt601Full>
 class Weights;
 
@@ -44,19 +48,15 @@ class Weights<true> {
   }
 
   HWY_INLINE Channels channels(const int16x8_t (&l)[2], const int16x8_t (&m)[2],
-                               const uint8_t*) const {
+                               const uint8x8_t (&)[2]) const {
     return {
         {vqrdmulhq_lane_s16(l[0], weights_, 0), vqrdmulhq_lane_s16(l[1], weights_, 0)},
         {vqrdmulhq_lane_s16(m[0], weights_, 1), vqrdmulhq_lane_s16(m[1], weights_, 1)},
         {green(l[0], m[0]), green(l[1], m[1])}};
   }
 
-  static HWY_INLINE uint8x16_t finish(uint8x16_t y, int16x8_t low, int16x8_t high) {
-    const uint16x8_t l = vaddw_u8(vreinterpretq_u16_s16(low), vget_low_u8(y));
-    const uint16x8_t h = vaddw_u8(vreinterpretq_u16_s16(high), vget_high_u8(y));
-    return packInBlocks(Vec<I16>{vreinterpretq_s16_u16(l)},
-                        Vec<I16>{vreinterpretq_s16_u16(h)})
-        .raw;
+  static HWY_INLINE int16x8_t withLuma(int16x8_t channel, uint8x8_t y) {
+    return vreinterpretq_s16_u16(vaddw_u8(vreinterpretq_u16_s16(channel), y));
   }
 
  private:
@@ -96,12 +96,11 @@ class Weights<false> {
   }
 
   HWY_INLINE Channels channels(const int16x8_t (&l)[2], const int16x8_t (&m)[2],
-                               const uint8_t* luma) const {
-    const uint8x8x2_t y = vld2_u8(luma);
+                               const uint8x8_t (&y)[2]) const {
     Channels c;
     for (int i = 0; i < 2; ++i) {
-      const int16x8_t y4 = vsubq_s16(vreinterpretq_s16_u16(vshll_n_u8(y.val[i], 2)),
-                                     vdupq_n_s16(offset_));
+      const int16x8_t y4 =
+          vsubq_s16(vreinterpretq_s16_u16(vshll_n_u8(y[i], 2)), vdupq_n_s16(offset_));
       const int32x4_t low = vmull_lane_s16(vget_low_s16(y4), weights_, 0);
       const int32x4_t high = vmull_lane_s16(vget_high_s16(y4), weights_, 0);
       c.lone[i] = add<1>(low, high, vmulq_lane_s16(l[i], greenAndFactors_, 2));
@@ -112,9 +111,7 @@ class Weights<false> {
     return c;
   }
 
-  static HWY_INLINE uint8x16_t finish(uint8x16_t, int16x8_t low, int16x8_t high) {
-    return packInBlocks(Vec<I16>{low}, Vec<I16>{high}).raw;
-  }
+  static HWY_INLINE int16x8_t withLuma(int16x8_t channel, uint8x8_t) { return channel; }
 
  private:
   template <int kWeight>
@@ -137,134 +134,193 @@ class Weights<false> {
   int16_t offset_;
 };
 
+constexpr bool kPutsFirstPair = true;
+
+// The registers of 32-bit Arm hold eight pairs at a time, those of AArch64 twice as
+// many.
+constexpr size_t kHalves = HWY_ARCH_ARM_A64 ? 2 : 1;
+constexpr size_t kBlockPairs = 8 * kHalves;
+
+// The first and the second bytes of a block's pairs, or the luma of left and of right
+// pixels, eight at a time.
+struct Split {
+  uint8x8_t of[2][kHalves];
+};
+
+#if HWY_ARCH_ARM_A64
+HWY_INLINE Split takeBlock(const uint8_t*& from, uint8_t flipped) {
+  uint8x16x2_t pairs = takePairs(from);
+  Split split;
+  for (int i = 0; i < 2; ++i) {
+    if (flipped != 0) pairs.val[i] = veorq_u8(pairs.val[i], vdupq_n_u8(flipped));
+    split.of[i][0] = vget_low_u8(pairs.val[i]);
+    split.of[i][1] = vget_high_u8(pairs.val[i]);
+  }
+  return split;
+}
+#else
+HWY_INLINE Split takeBlock(const uint8_t*& from, uint8_t flipped) {
+  uint8x16_t pairs = takeEightPairs(from);
+  if (flipped != 0) pairs = veorq_u8(pairs, vdupq_n_u8(flipped));
+  return {{{vget_low_u8(pairs)}, {vget_high_u8(pairs)}}};
+}
+#endif
+
+// The bytes of a block's pixels in order, 16 at a time. lanes(i, half) are those of
+// left pixels, then of right ones.
+template <class Lanes>
+HWY_INLINE void bytesInOrder(const Lanes& lanes, uint8x16_t (&bytes)[kHalves]) {
+#if HWY_ARCH_ARM_A64
+  const uint8x16_t left = narrowSaturating(lanes(0, 0), lanes(0, 1));
+  const uint8x16_t right = narrowSaturating(lanes(1, 0), lanes(1, 1));
+  bytes[0] = vzip1q_u8(left, right);
+  bytes[1] = vzip2q_u8(left, right);
+#else
+  bytes[0] = halvesInTurn(narrowSaturating(lanes(0, 0), lanes(1, 0)));
+#endif
+}
+
+// Where a row's blocks are read and written: their pairs, the pairs behind those of
+// their pixels, luma and pixels.
+struct Places {
+  const uint8_t *own, *ownNext, *other, *otherNext;
+  const uint8_t* luma;
+  uint8_t* to;
+};
+
+// The pairs behind those of an outer block. `behind` is the last of them. The right
+// pixel of a row's first pair is not interpolated.
+class OuterPairs {
+ public:
+  HWY_INLINE const uint8_t* of(const uint8_t* from, const uint8_t* behind,
+                               bool isFirst) {
+    for (size_t h = 0; h < kHalves; ++h) {
+      vst1q_u8(bytes_ + 16 * h, vld1q_u8(from + 16 * h));
+    }
+    memcpy(bytes_ + 2 * kBlockPairs, behind, 2);
+    if (isFirst) memcpy(bytes_ + 2, from, 2);
+    return bytes_ + 2;
+  }
+
+ private:
+  uint8_t bytes_[2 * kBlockPairs + 2];
+};
+
+HWY_INLINE void putPixels(Rgba8888, uint8_t*& to, const RgbBytes& c) {
+  putFours(to, c.r, c.g, c.b, vdupq_n_u8(255));
+}
+
+HWY_INLINE void putPixels(Rgb888, uint8_t*& to, const RgbBytes& c) {
+  putThrees(to, c.r, c.g, c.b);
+}
+
+HWY_INLINE void putPixels(Rgb565, uint8_t*& to, const RgbBytes& c) {
+  // A word holds the upper bits of B, those of G below them and those of R below those.
+  const uint8x16_t low = vsliq_n_u8(vshrq_n_u8(c.r, 3), vshrq_n_u8(c.g, 2), 5);
+  putPairs(to, {{low, vsriq_n_u8(c.b, c.g, 5)}});
+}
+
 // Keeps first and second chroma bytes, and left and right pixels, in registers of their
 // own. The channel of the lone byte is the first one of a pixel, or the third.
 template <class Weights, bool kLoneFirst, bool kLoneToFirst>
 class RgbKernel {
  public:
-  static constexpr size_t kPairs = 16;
+  explicit HWY_INLINE RgbKernel(const Weights& weights) : weights_(weights) {}
 
-  HWY_INLINE RgbKernel(const ChromaRows& chroma, const Weights& weights)
-      : chroma_(chroma), weights_(weights) {}
-
-  // Converts two times 16 pixels, and reads one pair further.
-  HWY_INLINE void pixels(const uint8_t* luma, size_t at, RgbBytes (&out)[2]) const {
-    const Pairs own = centred(chroma_.own + at), next = centred(chroma_.own + at + 2);
-    const int8x16_t other = centred(chroma_.other + at).val[kMixed];
-    const int8x16_t otherNext = centred(chroma_.other + at + 2).val[kMixed];
-    const Channels low =
-        channels(vget_low_s8(own.val[kLone]), vget_low_s8(next.val[kLone]),
-                 vget_low_s8(own.val[kMixed]), vget_low_s8(next.val[kMixed]),
-                 vget_low_s8(other), vget_low_s8(otherNext), luma + at);
-    const Channels high =
-        channels(vget_high_s8(own.val[kLone]), vget_high_s8(next.val[kLone]),
-                 vget_high_s8(own.val[kMixed]), vget_high_s8(next.val[kMixed]),
-                 vget_high_s8(other), vget_high_s8(otherNext), luma + at + 16);
-    const uint8x16x2_t y = vld2q_u8(luma + at);
-    const uint8x16x2_t lone = inTurn(y, low.lone, high.lone);
-    const uint8x16x2_t mixed = inTurn(y, low.mixed, high.mixed);
-    const uint8x16x2_t g = inTurn(y, low.g, high.g);
-    const uint8x16x2_t& r = kLoneToFirst ? lone : mixed;
-    const uint8x16x2_t& b = kLoneToFirst ? mixed : lone;
-    for (int i = 0; i < 2; ++i) {
-      out[i] = {Vec<U8>{r.val[i]}, Vec<U8>{g.val[i]}, Vec<U8>{b.val[i]}};
+  // Makes a block.
+  template <class Format>
+  HWY_INLINE void put(Format, Places& b) const {
+    const Split own = takeBlock(b.own, 128), next = takeBlock(b.ownNext, 128);
+    const Split other = takeBlock(b.other, 128),
+                otherNext = takeBlock(b.otherNext, 128);
+    const Split y = takeBlock(b.luma, 0);
+    Channels c[kHalves];
+    for (size_t h = 0; h < kHalves; ++h) {
+      const auto s = [h](const Split& pairs, int byte)
+                         HWY_ATTR { return vreinterpret_s8_u8(pairs.of[byte][h]); };
+      const int16x8_t l[2] = {vshll_n_s8(s(own, kLone), 1),
+                              vaddl_s8(s(own, kLone), s(next, kLone))};
+      const int16x8_t sum = vaddl_s8(s(own, kMixed), s(other, kMixed));
+      const int16x8_t m[2] = {
+          vshlq_n_s16(sum, 1),
+          vaddw_s8(vaddw_s8(sum, s(next, kMixed)), s(otherNext, kMixed))};
+      c[h] = weights_.channels(l, m, {y.of[0][h], y.of[1][h]});
+    }
+    const auto bytes = [&](int16x8_t(Channels::*channel)[2],
+                           uint8x16_t(&to)[kHalves]) HWY_ATTR {
+      bytesInOrder(
+          [&](size_t i, size_t h)
+              HWY_ATTR { return Weights::withLuma((c[h].*channel)[i], y.of[i][h]); },
+          to);
+    };
+    uint8x16_t lone[kHalves], mixed[kHalves], g[kHalves];
+    bytes(&Channels::lone, lone);
+    bytes(&Channels::mixed, mixed);
+    bytes(&Channels::g, g);
+    for (size_t h = 0; h < kHalves; ++h) {
+      putPixels(Format(), b.to,
+                kLoneToFirst ? RgbBytes{lone[h], g[h], mixed[h]}
+                             : RgbBytes{mixed[h], g[h], lone[h]});
     }
   }
 
  private:
   static constexpr int kLone = kLoneFirst ? 0 : 1, kMixed = 1 - kLone;
 
-  struct Pairs {
-    int8x16_t val[2];
-  };
-
-  static HWY_INLINE Pairs centred(const uint8_t* from) {
-    const uint8x16x2_t pairs = vld2q_u8(from);
-    const uint8x16_t middle = vdupq_n_u8(128);
-    return {{vreinterpretq_s8_u8(veorq_u8(pairs.val[0], middle)),
-             vreinterpretq_s8_u8(veorq_u8(pairs.val[1], middle))}};
-  }
-
-  HWY_INLINE Channels channels(int8x8_t lone, int8x8_t loneNext, int8x8_t mixed,
-                               int8x8_t mixedNext, int8x8_t other, int8x8_t otherNext,
-                               const uint8_t* luma) const {
-    const int16x8_t l[2] = {vshll_n_s8(lone, 1), vaddl_s8(lone, loneNext)};
-    const int16x8_t sum = vaddl_s8(mixed, other);
-    const int16x8_t m[2] = {vshlq_n_s16(sum, 1),
-                            vaddw_s8(vaddw_s8(sum, mixedNext), otherNext)};
-    return weights_.channels(l, m, luma);
-  }
-
-  static HWY_INLINE uint8x16x2_t inTurn(const uint8x16x2_t& y,
-                                        const int16x8_t (&low)[2],
-                                        const int16x8_t (&high)[2]) {
-    return vzipq_u8(Weights::finish(y.val[0], low[0], high[0]),
-                    Weights::finish(y.val[1], low[1], high[1]));
-  }
-
-  const ChromaRows chroma_;  // a copy, which no store can change
   const Weights weights_;
 };
 
-HWY_INLINE void storePixels(Rgba8888, uint8_t* to, const RgbBytes& c) {
-#if HWY_ARCH_ARM_A64
-  hn::StoreInterleaved4(c.r, c.g, c.b, hn::Set(u8, 255), u8, to);
-#else
-  // The compiler would pass the four registers through memory.
-  const uint8x16x2_t rg = vzipq_u8(c.r.raw, c.g.raw);
-  const uint8x16x2_t ba = vzipq_u8(c.b.raw, vdupq_n_u8(255));
-  for (int i = 0; i < 2; ++i) {
-    const uint16x8x2_t rgba =
-        vzipq_u16(vreinterpretq_u16_u8(rg.val[i]), vreinterpretq_u16_u8(ba.val[i]));
-    vst1q_u8(to + 32 * i, vreinterpretq_u8_u16(rgba.val[0]));
-    vst1q_u8(to + 32 * i + 16, vreinterpretq_u8_u16(rgba.val[1]));
-  }
-#endif
-}
-
-HWY_INLINE void storePixels(Rgb888, uint8_t* to, const RgbBytes& c) {
-  hn::StoreInterleaved3(c.r, c.g, c.b, u8, to);
-}
-
-HWY_INLINE void storePixels(Rgb565, uint8_t* to, const RgbBytes& c) {
-  // A word holds the upper bits of B, those of G below them and those of R below those.
-  const uint8x16_t r = vshrq_n_u8(c.r.raw, 3);
-  const Vec<U8> low{vsliq_n_u8(r, vshrq_n_u8(c.g.raw, 2), 5)};
-  const Vec<U8> high{vsriq_n_u8(c.b.raw, c.g.raw, 5)};
-  hn::StoreInterleaved2(low, high, u8, to);
-}
-
+// The last block ends with the row.
 template <class Format, bool kLoneFirst, bool kLoneToFirst, class Weights>
-HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
-                                const ChromaRows& chroma, size_t pairs,
-                                const Weights& weights) {
-  const RgbKernel<Weights, kLoneFirst, kLoneToFirst> kernel(chroma, weights);
-  return inBlocks(
-      pairs, kernel.kPairs, [&](size_t j) HWY_ATTR __attribute__((always_inline)) {
-        RgbBytes bytes[2];
-        kernel.pixels(luma, 2 * j, bytes);
-        storePixels(Format(), to + 2 * j * Format::kPixelBytes, bytes[0]);
-        storePixels(Format(), to + (2 * j + 16) * Format::kPixelBytes, bytes[1]);
-      });
+HWY_INLINE void convertRowOfBlocks(uint8_t* to, const uint8_t* luma,
+                                   const ChromaRows& chroma, size_t pixels,
+                                   const Weights& weights) {
+  const RgbKernel<Weights, kLoneFirst, kLoneToFirst> kernel(weights);
+  const size_t pairs = pixels / 2, last = (pixels + 1) / 2 - 1;
+  Places b = {chroma.own, nullptr, chroma.other, nullptr, luma, to};
+  OuterPairs own, other;
+  for (size_t done = 0;;) {
+    size_t count = 1;
+    if (done == 0 || done + kBlockPairs >= pairs) {
+      const size_t behind = 2 * std::min(done + kBlockPairs, last);
+      b.ownNext = own.of(b.own, chroma.own + behind, done == 0);
+      b.otherNext = other.of(b.other, chroma.other + behind, done == 0);
+    } else {
+      count = (pairs - 1 - done) / kBlockPairs;
+      b.ownNext = b.own + 2;
+      b.otherNext = b.other + 2;
+    }
+    done += count * kBlockPairs;
+    for (; count > 0; --count) kernel.put(Format(), b);
+    if (done >= pairs) return;
+    if (done + kBlockPairs > pairs) {
+      const size_t back = 2 * (done + kBlockPairs - pairs);
+      done = pairs - kBlockPairs;
+      b.own -= back, b.other -= back, b.luma -= back;
+      b.to -= back * Format::kPixelBytes;
+    }
+  }
 }
-
-constexpr bool kPutsFirstPair = false;
 
 template <class Format, bool kIsBt601Full>
 HWY_INLINE size_t convertBlocks(uint8_t* to, const uint8_t* luma,
                                 const ChromaRows& chroma, size_t pixels,
                                 const YuvToRgb& colour, bool blueFirst) {
-  const size_t pairs = (pixels + 1) / 2 - 1;  // those that have a pair behind them
+  if (pixels / 2 < kBlockPairs) return 0;
   const bool loneIsU = chroma.uFirst == chroma.loneFirst;
   const Weights<kIsBt601Full> weights(colour, loneIsU);
+  const auto convert = [&](auto loneFirst, auto loneToFirst) HWY_ATTR {
+    convertRowOfBlocks<Format, loneFirst, loneToFirst>(to, luma, chroma, pixels,
+                                                       weights);
+  };
+  constexpr std::true_type yes;
+  constexpr std::false_type no;
   if (loneIsU == blueFirst) {
-    return chroma.loneFirst
-               ? convertBlocks<Format, true, true>(to, luma, chroma, pairs, weights)
-               : convertBlocks<Format, false, true>(to, luma, chroma, pairs, weights);
+    chroma.loneFirst ? convert(yes, yes) : convert(no, yes);
+  } else {
+    chroma.loneFirst ? convert(yes, no) : convert(no, no);
   }
-  return chroma.loneFirst
-             ? convertBlocks<Format, true, false>(to, luma, chroma, pairs, weights)
-             : convertBlocks<Format, false, false>(to, luma, chroma, pairs, weights);
+  return pixels / 2;
 }
 
 }  // namespace

@@ -32,6 +32,11 @@ inline uint8x16x2_t takePairs(const uint8_t*& from) {
   asm("vld2.8 %h0, [%1]!" : "=w"(v), "+r"(from) : : "memory");
   return v;
 }
+inline uint8x16_t takeEightPairs(const uint8_t*& from) {
+  uint8x16_t v;
+  asm("vld2.8 {%e0, %f0}, [%1]!" : "=w"(v), "+r"(from) : : "memory");
+  return v;
+}
 inline uint8x16_t takeHalves(const uint8_t*& low, const uint8_t*& high) {
   uint8x16_t v;
   asm("vld1.8 {%e0}, [%1]!\n\tvld1.8 {%f0}, [%2]!"
@@ -55,6 +60,31 @@ inline void put32(uint8_t*& to, uint8x16x2_t v) {
 }
 inline void putPairs(uint8_t*& to, uint8x16x2_t v) {
   asm volatile("vst2.8 %h1, [%0]!" : "+r"(to) : "w"(v) : "memory");
+}
+// Only named registers can lie two apart.
+inline void putThrees(uint8_t*& to, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
+  register uint8x16_t first asm("q8") = a;
+  register uint8x16_t second asm("q9") = b;
+  register uint8x16_t third asm("q10") = c;
+  asm volatile(
+      "vst3.8 {d16, d18, d20}, [%0]!\n\t"
+      "vst3.8 {d17, d19, d21}, [%0]!"
+      : "+r"(to)
+      : "w"(first), "w"(second), "w"(third)
+      : "memory");
+}
+inline void putFours(uint8_t*& to, uint8x16_t a, uint8x16_t b, uint8x16_t c,
+                     uint8x16_t d) {
+  register uint8x16_t first asm("q8") = a;
+  register uint8x16_t second asm("q9") = b;
+  register uint8x16_t third asm("q10") = c;
+  register uint8x16_t fourth asm("q11") = d;
+  asm volatile(
+      "vst4.8 {d16, d18, d20, d22}, [%0]!\n\t"
+      "vst4.8 {d17, d19, d21, d23}, [%0]!"
+      : "+r"(to)
+      : "w"(first), "w"(second), "w"(third), "w"(fourth)
+      : "memory");
 }
 inline void putHalves(uint8_t*& low, uint8_t*& high, uint8x16_t v) {
   asm volatile("vst1.8 {%e2}, [%0]!\n\tvst1.8 {%f2}, [%1]!"
@@ -123,6 +153,11 @@ inline uint16x8_t addBlocks(uint8x16_t a, uint8x16_t b) {
   uint16x8_t sums;
   asm("vpaddl.u8 %q0, %q1\n\tvpadal.u8 %q0, %q2" : "=&w"(sums) : "w"(a), "w"(b));
   return sums;
+}
+
+inline uint8x16_t halvesInTurn(uint8x16_t v) {
+  asm("vzip.8 %e0, %f0" : "+w"(v));
+  return v;
 }
 
 inline uint8x16_t lookUp(uint8x16_t v, uint8x16_t index) {

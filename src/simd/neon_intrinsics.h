@@ -31,6 +31,12 @@ inline uint8x16x2_t takePairs(const uint8_t*& from) {
   from += 32;
   return v;
 }
+// The same for 8 pairs, in one register.
+inline uint8x16_t takeEightPairs(const uint8_t*& from) {
+  const uint8x8x2_t v = vld2_u8(from);
+  from += 16;
+  return vcombine_u8(v.val[0], v.val[1]);
+}
 // Loads 8 bytes from each of two places.
 inline uint8x16_t takeHalves(const uint8_t*& low, const uint8_t*& high) {
   const uint8x16_t v = vcombine_u8(vld1_u8(low), vld1_u8(high));
@@ -55,6 +61,16 @@ inline void put32(uint8_t*& to, uint8x16x2_t v) {
 inline void putPairs(uint8_t*& to, uint8x16x2_t v) {
   vst2q_u8(to, v);
   to += 32;
+}
+// Interleaves three or four registers.
+inline void putThrees(uint8_t*& to, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
+  vst3q_u8(to, {{a, b, c}});
+  to += 48;
+}
+inline void putFours(uint8_t*& to, uint8x16_t a, uint8x16_t b, uint8x16_t c,
+                     uint8x16_t d) {
+  vst4q_u8(to, {{a, b, c, d}});
+  to += 64;
 }
 inline void putHalves(uint8_t*& low, uint8_t*& high, uint8x16_t v) {
   vst1_u8(low, vget_low_u8(v));
@@ -143,6 +159,16 @@ inline uint8x16_t lookUpOr(uint8x16_t others, uint8x16_t a, uint8x16_t b,
                      vtbx4_u8(vget_high_u8(others), table, vget_high_u8(index)));
 }
 #endif
+
+// Bytes of the lower and of the upper half in turn.
+inline uint8x16_t halvesInTurn(uint8x16_t v) {
+#if defined(__aarch64__)
+  return vzip1q_u8(v, vextq_u8(v, v, 8));
+#else
+  const uint8x8x2_t both = vzip_u8(vget_low_u8(v), vget_high_u8(v));
+  return vcombine_u8(both.val[0], both.val[1]);
+#endif
+}
 
 // Reverses 64 bytes: the last of those at `from` comes first. `to` moves on, `from`
 // moves back.
