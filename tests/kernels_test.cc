@@ -138,11 +138,12 @@ Range someOf(size_t extent, Random* random) {
 
 TEST(Scaling, PartsAreThoseOfTheWholePlane) {
   // Enlarged, the same, halved, reduced as far as vectors go and further; the wide ones
-  // are made in more than one strip.
+  // are made in more than one strip, the high ones in more than one run down the rows.
   const Extents sizes[][2] = {
-      {{300, 7}, {450, 11}}, {{97, 9}, {97, 9}},    {{400, 10}, {200, 5}},
-      {{700, 9}, {210, 13}}, {{1500, 8}, {190, 3}}, {{1300, 3}, {1100, 5}},
-      {{5, 3}, {200, 4}},    {{3000, 2}, {9, 2}},   {{1, 1}, {80, 3}},
+      {{300, 7}, {450, 11}}, {{97, 9}, {97, 9}},      {{400, 10}, {200, 5}},
+      {{700, 9}, {210, 13}}, {{1500, 8}, {190, 3}},   {{1300, 3}, {1100, 5}},
+      {{5, 3}, {200, 4}},    {{3000, 2}, {9, 2}},     {{1, 1}, {80, 3}},
+      {{64, 99}, {48, 75}},  {{1100, 60}, {999, 37}}, {{90, 3}, {70, 150}},
   };
   Random random(3);
   for (const Method& method : methods) {

@@ -38,6 +38,7 @@ struct Bicubic {
   // tables.
   static constexpr size_t kSample = kSampleBytes, kTaps = 4, kPicks = 2,
                           kStrip = stripBytes(kSample, 512);
+  static constexpr bool kGroupTaps = false;
   using Filtered = int32_t;
 
   struct Tap {
@@ -66,7 +67,7 @@ struct Bicubic {
 
   class PlainColumns {
    public:
-    static constexpr bool kDirect = false, kKept = true;
+    static constexpr bool kDirect = false, kKept = true, kDownwards = false;
 
     PlainColumns(const Axis& across, size_t first, size_t bytes) : bytes_(bytes) {
       for (size_t i = 0; i < bytes; ++i) {
@@ -148,7 +149,7 @@ struct Bicubic {
   template <size_t kPieces>
   struct VectorColumns : UnitTables<Bicubic, Unit<kPieces>> {
     using UnitTables<Bicubic, Unit<kPieces>>::UnitTables;
-    static constexpr bool kDirect = false, kKept = true;
+    static constexpr bool kDirect = false, kKept = true, kDownwards = false;
 
     HWY_INLINE void filterRow(int32_t* to, const uint8_t* from) const {
       const size_t units = 2 * vectorsFor(this->bytes_);

@@ -34,6 +34,9 @@
 // After the headers that they use.
 #include "resize/bilinear_neon-inl.h"
 #include "resize/bilinear_x86-inl.h"
+#if HWY_TARGET == HWY_AVX2
+#include "resize/bilinear_avx2-inl.h"
+#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
@@ -43,6 +46,7 @@ template <size_t kSampleBytes>
 struct Bilinear {
   static constexpr size_t kSample = kSampleBytes, kTaps = 2, kPicks = 2,
                           kStrip = stripBytes(kSample, 2048);
+  static constexpr bool kGroupTaps = true;
   using Filtered = int16_t;
 
   struct Tap {
@@ -73,7 +77,7 @@ struct Bilinear {
 
   class PlainColumns {
    public:
-    static constexpr bool kDirect = false, kKept = true;
+    static constexpr bool kDirect = false, kKept = true, kDownwards = false;
 
     PlainColumns(const Axis& across, size_t first, size_t bytes) : bytes_(bytes) {
       for (size_t i = 0; i < bytes; ++i) tap_[i] = tapOf(across, first + i);
@@ -125,6 +129,16 @@ struct Bilinear {
       weights[right] = static_cast<uint8_t>(alone ? 128 : tap.weight);
     }
 
+    template <class Taps>
+    HWY_INLINE void setGroup(size_t group, const Taps& taps, size_t byte,
+                             size_t rowBytes) {
+      const auto pairs = taps.bilinear(byte);
+      this->place(group, pairs.lowest, rowBytes);
+      Picks<kPieces>::setGroup(group, pairs.lowest, pairs.offsets);
+      if (kMayRun) run = (group == 0 || run) && this->isGroupInRun(group);
+      pairs.storeWeights(weights + group * kPieceBytes);
+    }
+
     HWY_INLINE auto filter(const uint8_t* from) const {
       return filterSamples(samples(from), weights);
     }
@@ -147,7 +161,7 @@ struct Bilinear {
   template <size_t kPieces>
   struct VectorColumns : UnitTables<Bilinear, Unit<kPieces>> {
     using UnitTables<Bilinear, Unit<kPieces>>::UnitTables;
-    static constexpr bool kDirect = true, kKept = true;
+    static constexpr bool kDirect = true, kKept = true, kDownwards = true;
 
     HWY_INLINE void filterRow(int16_t* to, const uint8_t* from) const {
       const size_t units = 2 * vectorsFor(this->bytes_);
@@ -155,6 +169,25 @@ struct Bilinear {
         hn::Store(asI16(this->units_[u].filter(from)), i16, to + u * (kBytes / 2));
       }
     }
+
+#if HWY_TARGET == HWY_AVX2
+    struct Source : RowPair {
+      HWY_INLINE void set(const Region& from, const RowTap& tap, const Source* before) {
+        setRows(from.row(tap.row[0]), from.row(tap.row[1]), before);
+        setWeight(tap.weight);
+      }
+    };
+    HWY_INLINE void makeDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
+                                  size_t count) const {
+      const size_t vectors = vectorsFor(this->bytes_);
+      for (size_t v = 0; v < vectors; ++v) {
+        const HeldUnit<Unit<kPieces>> first(this->units_[2 * v]),
+            second(this->units_[2 * v + 1]);
+        blendDownwards(to + vectorStart(v, this->bytes_), stride, rows, count, first,
+                       second);
+      }
+    }
+#endif
 
     // Inlined, the compiler would be short of registers for this loop and load operands
     // again and again.

@@ -17,6 +17,7 @@ template <size_t kSampleBytes>
 struct Nearest {
   static constexpr size_t kSample = kSampleBytes, kTaps = 1, kPicks = 1,
                           kStrip = stripBytes(kSample, 2048);
+  static constexpr bool kGroupTaps = true;
 
   struct Tap {
     size_t position;
@@ -33,7 +34,7 @@ struct Nearest {
 
   class PlainColumns {
    public:
-    static constexpr bool kDirect = true, kKept = false;
+    static constexpr bool kDirect = true, kKept = false, kDownwards = false;
 
     PlainColumns(const Axis& across, size_t first, size_t bytes)
         : samples_(bytes / kSample) {
@@ -62,12 +63,46 @@ struct Nearest {
     HWY_INLINE void set(size_t lane, const Tap& tap) {
       Picks<kPieces>::set(lane, tap.position);
     }
+    template <class Taps>
+    HWY_INLINE void setGroup(size_t group, const Taps& taps, size_t byte,
+                             size_t rowBytes) {
+      const auto from = taps.nearest(byte);
+      this->place(group, from.lowest, rowBytes);
+      Picks<kPieces>::setGroup(group, from.lowest, from.offsets);
+    }
   };
 
   template <size_t kPieces>
   struct VectorColumns : UnitTables<Nearest, Unit<kPieces>> {
     using UnitTables<Nearest, Unit<kPieces>>::UnitTables;
-    static constexpr bool kDirect = true, kKept = false;
+    static constexpr bool kDirect = true, kKept = false, kDownwards = true;
+
+    struct Source {
+      const uint8_t* row;
+      HWY_INLINE void set(const Region& from, const RowTap& tap, const Source*) {
+        row = from.row(tap.row[0]);
+      }
+    };
+    HWY_INLINE void makeDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
+                                  size_t count) const {
+      const size_t vectors = vectorsFor(this->bytes_);
+      for (size_t v = 0; v < vectors; ++v) {
+        const typename Picks<kPieces>::Held held(this->units_[v]);
+        const size_t ahead = this->units_[v + 3 < vectors ? v + 3 : v].start();
+        uint8_t* at = to + vectorStart(v, this->bytes_);
+        const uint8_t* previous = nullptr;
+        Vec<U8> picked = hn::Zero(u8);
+        for (const Source* row = rows; row != rows + count; ++row) {
+          if (row->row != previous) {
+            previous = row->row;
+            __builtin_prefetch(previous + ahead);
+            picked = held.pick(previous);
+          }
+          store(picked, at);
+          at += stride;
+        }
+      }
+    }
 
     HWY_INLINE void makeRow(uint8_t* to, const uint8_t* const (&rows)[1], const RowTap&,
                             const uint8_t* next) const {

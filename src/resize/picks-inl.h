@@ -34,6 +34,10 @@ constexpr size_t kGroups = kBytes / kPieceBytes;
 // lookup takes from two pieces the branch costs more.
 constexpr bool kRuns = !ZELM_VBMI && !ZELM_NEON;
 
+// Whether two pieces lie side by side even where the row ends, so that one load takes
+// both.
+constexpr bool kWindows = HWY_TARGET == HWY_AVX2;
+
 // What a vector is made of: where the pieces of each of its groups begin, and for each
 // of kLookups lookups which bytes they give.
 template <size_t kPieces, size_t kLookups>
@@ -42,6 +46,12 @@ class PickTable {
   // To be called for a group before its bytes are set: `lowest` is where the lowest of
   // them lies in the row.
   HWY_INLINE void place(size_t group, size_t lowest, size_t rowBytes) {
+    if (kWindows && kPieces == 2) {
+      const size_t last = rowBytes - 2 * kPieceBytes;
+      starts_[0][group] = static_cast<uint32_t>(lowest < last ? lowest : last);
+      starts_[1][group] = starts_[0][group] + kPieceBytes;
+      return;
+    }
     const size_t last = rowBytes - kPieceBytes;
     for (size_t p = 0; p < kPieces; ++p) {
       const size_t at = lowest + kPieceBytes * p;
@@ -55,6 +65,9 @@ class PickTable {
     __builtin_prefetch(row + starts_[0][0]);
     if (kBytes > 16) __builtin_prefetch(row + starts_[kPieces - 1][kGroups - 1]);
   }
+
+  // Returns where the first piece begins.
+  HWY_INLINE size_t start() const { return starts_[0][0]; }
 
   // A run is made of first pieces as they are: byte i of the vector lies i bytes behind
   // the start of its piece.

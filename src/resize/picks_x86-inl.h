@@ -11,6 +11,8 @@ HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
+using Block = hn::Full128<uint8_t>;
+
 template <size_t kPieces>
 class Picks : public PickTable<kPieces, kPieces> {
  public:
@@ -22,7 +24,33 @@ class Picks : public PickTable<kPieces, kPieces> {
     }
   }
 
+  // Sets the bytes of a group that is placed at `lowest`, by how far behind that they
+  // lie, at most 63. Adding 112 makes 128 or more of what lies in another piece, and
+  // leaves the lower four bits as they are.
+  HWY_INLINE void setGroup(size_t group, size_t lowest, hn::VFromD<Block> offsets) {
+    const Block block;
+    for (size_t p = 0; p < kPieces; ++p) {
+      const auto start = static_cast<uint8_t>(starts_[p][group] - lowest);
+      const auto inPiece = hn::Sub(offsets, hn::Set(block, start));
+      hn::Store(hn::SaturatedAdd(inPiece, hn::Set(block, 112)), block,
+                index_[p] + 16 * group);
+    }
+  }
+
+  // Tells whether the group is its first piece as it is.
+  HWY_INLINE bool isGroupInRun(size_t group) const {
+    const Block block;
+    return hn::AllTrue(
+        block, hn::Eq(hn::Load(block, index_[0] + 16 * group), hn::Iota(block, 0)));
+  }
+
   HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
+    if constexpr (kWindows && kPieces == 2) {
+      const Vec<U8> a = load(row + starts_[0][0]);
+      const Vec<U8> b = load(row + starts_[0][kGroups - 1]);
+      return pickBeside(pickInBlocks(hn::ConcatLowerLower(u8, b, a), load(index_[0])),
+                        hn::ConcatUpperUpper(u8, b, a), load(index_[1]));
+    }
     const auto piece = [&](size_t p) HWY_ATTR {
       return loadBlocks([&](size_t block) HWY_ATTR { return row + starts_[p][block]; });
     };
@@ -32,6 +60,37 @@ class Picks : public PickTable<kPieces, kPieces> {
     }
     return result;
   }
+
+  // What pick needs, in registers.
+  class Held {
+   public:
+    explicit HWY_INLINE Held(const Picks& picks) {
+      for (size_t p = 0; p < kPieces; ++p) {
+        index_[p] = load(picks.index_[p]);
+        for (size_t b = 0; b < kGroups; ++b) starts_[p][b] = picks.starts_[p][b];
+      }
+    }
+    HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
+      if constexpr (kWindows && kPieces == 2) {
+        const Vec<U8> a = load(row + starts_[0][0]);
+        const Vec<U8> b = load(row + starts_[0][kGroups - 1]);
+        return pickBeside(pickInBlocks(hn::ConcatLowerLower(u8, b, a), index_[0]),
+                          hn::ConcatUpperUpper(u8, b, a), index_[1]);
+      }
+      const auto piece = [&](size_t p) HWY_ATTR {
+        return loadBlocks([&](size_t b) HWY_ATTR { return row + starts_[p][b]; });
+      };
+      Vec<U8> result = pickInBlocks(piece(0), index_[0]);
+      for (size_t p = 1; p < kPieces; ++p) {
+        result = pickBeside(result, piece(p), index_[p]);
+      }
+      return result;
+    }
+
+   private:
+    Vec<U8> index_[kPieces];
+    size_t starts_[kPieces][kGroups];
+  };
 
  private:
   using PickTable<kPieces, kPieces>::index_;

@@ -20,6 +20,11 @@
 // source rows if kDirect, filtered rows if kKept, either if both. `next` is the source
 // row that the next destination row begins with, or null if it need not be prefetched.
 // A source row is filtered by filterRow(to, from).
+//
+// With AVX2 tables may be filled group by group, unit.setGroup(group, taps, byte,
+// rowBytes), if kGroupTaps, and strips be made vector by vector down the rows,
+// makeDownwards(to, stride, rows, count), if kDownwards. Rows are then of the type
+// Source, whose set(from, tap, before) is told of the row before or null.
 #if ZELM_VBMI || defined(ZELM_SRC_RESIZE_SCALER_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_SCALER_INL_H_
@@ -36,6 +41,10 @@
 #include "resize/picks-inl.h"
 #include "resize/scale_plane.h"
 
+#if HWY_TARGET == HWY_AVX2
+#include "resize/group_taps_avx2-inl.h"
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
@@ -45,6 +54,14 @@ namespace {
 constexpr size_t stripBytes(size_t sample, size_t most) {
   return most - most % (64 * sample);
 }
+
+#if HWY_TARGET == HWY_AVX2
+constexpr bool kGroupsAtOnce = true;
+#else
+constexpr bool kGroupsAtOnce = false;
+template <size_t kSample>
+class GroupTaps;
+#endif
 
 #if ZELM_VECTORS
 // The tables of a strip. A vector is picked in M::kPicks units, and a unit makes kBytes
@@ -58,6 +75,10 @@ class UnitTables {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;  // of a group
     for (size_t u = 0; u < M::kPicks * vectorsFor(bytes); ++u) {
       const size_t start = first + vectorStart(u / M::kPicks, bytes);
+      if constexpr (kGroupsAtOnce && M::kGroupTaps) {
+        setGroups(&units_[u], across, u % M::kPicks, start, rowBytes);
+        continue;
+      }
       for (size_t lane = 0; lane < kGroups * kLanes; lane += kLanes) {
         decltype(M::tapOf(across, 0)) taps[kLanes];
         size_t lowest = SIZE_MAX;
@@ -70,6 +91,18 @@ class UnitTables {
         units_[u].place(lane / kLanes, lowest, rowBytes);
         for (size_t i = 0; i < kLanes; ++i) units_[u].set(lane + i, taps[i]);
       }
+    }
+  }
+
+ private:
+  static HWY_INLINE void setGroups(Unit* unit, const Axis& across, size_t half,
+                                   size_t start, size_t rowBytes) {
+    constexpr size_t kLanes = kPieceBytes / M::kPicks;
+    const GroupTaps<M::kSample> taps(across);
+    for (size_t group = 0; group < kGroups; ++group) {
+      const size_t lane = group * kLanes;
+      const size_t byte = M::kPicks == 1 ? lane : byteOfLane(half, lane);
+      unit->setGroup(group, taps, start + byte, rowBytes);
     }
   }
 
@@ -138,7 +171,7 @@ class Scaler {
     const size_t lastColumn = across_.before((inWhole + bytes - 1) / M::kSample);
     const size_t reach = (lastColumn + 1 + M::kTaps / 2) * M::kSample + 64;
     const size_t span = spanOf<M::kSample>(across_, kPieceBytes / M::kPicks, M::kTaps);
-    if (bytes >= kBytes && rowBytes >= kPieceBytes &&
+    if (bytes >= kBytes && rowBytes >= (kWindows ? 2 : 1) * kPieceBytes &&
         withPieces(span, [&](auto pieces) HWY_ATTR {
           using Columns = typename M::template VectorColumns<pieces>;
           scaleStrip(
@@ -154,6 +187,12 @@ class Scaler {
   // Where reducing leaves little of a filtered row to use again, none is kept.
   template <class Columns>
   HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
+    if constexpr (kGroupsAtOnce && Columns::kDownwards) {
+      if (goesDownwards()) {
+        makeDownwards(columns, first);
+        return;
+      }
+    }
     if constexpr (Columns::kDirect) {
       if (!Columns::kKept || 2 * from_.rows >= 3 * part_.wholeRows) {
         makeRows([&](size_t y) HWY_ATTR -> const uint8_t* { return from_.row(y); },
@@ -164,6 +203,31 @@ class Scaler {
     if constexpr (Columns::kKept) {
       FilteredRows<M, Columns> rows(from_, columns);
       makeRows([&](size_t y) HWY_ATTR { return rows.get(y); }, columns, first, bytes);
+    }
+  }
+
+  // Vector by vector down the rows, what a vector needs stays in registers. Single
+  // samples gain from that wherever rows are left out, filtered ones while the rows are
+  // so short that their tables and loops take long.
+  bool goesDownwards() const {
+    return M::kTaps == 1 ? part_.wholeRows < from_.rows : hasShortRows();
+  }
+  bool hasShortRows() const { return from_.stride <= 1024 && from_.stride >= -1024; }
+
+  // Long rows are made few at a time: each lies on a page of its own, and many of them
+  // may share a place in the first-level cache.
+  template <class Columns>
+  HWY_INLINE void makeDownwards(const Columns& columns, size_t first) const {
+    constexpr size_t kMost = 64;
+    typename Columns::Source rows[kMost];
+    const size_t most = hasShortRows() ? kMost : 16;
+    for (size_t y = 0; y < to_.rows; y += most) {
+      const size_t count = to_.rows - y < most ? to_.rows - y : most;
+      for (size_t i = 0; i < count; ++i) {
+        rows[i].set(from_, typename M::RowTap(down_, part_.row + y + i),
+                    i == 0 ? nullptr : &rows[i - 1]);
+      }
+      columns.makeDownwards(to_.row(y) + first, to_.stride, rows, count);
     }
   }
 
@@ -211,9 +275,9 @@ void scalePart(const Region& to, const Region& from, const PlanePart& part) {
 // Returns the kernel of a method for samples of 1 to 4 bytes.
 template <template <size_t kSample> class Method>
 ScalePart* scalerOf(size_t sample) {
-  ScalePart* const scalers[] = {scalePart<Method<1>>, scalePart<Method<2>>,
-                                scalePart<Method<3>>, scalePart<Method<4>>};
-  return scalers[sample - 1];
+  static constexpr ScalePart* kScalers[] = {scalePart<Method<1>>, scalePart<Method<2>>,
+                                            scalePart<Method<3>>, scalePart<Method<4>>};
+  return kScalers[sample - 1];
 }
 
 }  // namespace
