@@ -1,7 +1,12 @@
-// Bilinear scaling of a vector's width of columns down the rows, whose filtered rows
-// stay in registers. Included by bilinear.cc in the pass with AVX2.
+// Bilinear scaling of a vector's width of columns down the rows. Included by
+// bilinear.cc in the pass with AVX2.
 //
-// Filtered rows are H - 32768, and the 128 is added when they are blended.
+// The filtered rows above and below a destination row stay in registers, lane by lane
+// side by side, so that one multiplication blends them. Its upper halves are the bytes,
+// of lanes that are taken in turn from the lower and the upper half of a block:
+//   lanes       0 2 4 6 1 3 5 7
+//   pairs       0 2 4 6 | 1 3 5 7
+//   upperHalves 0 1 2 3 4 5 6 7
 #include "simd/vector-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -12,8 +17,7 @@ namespace {
 struct RowPair {
   const uint8_t *upper, *lower;
   enum { kSame, kNext, kOther } after;  // how they follow those of the row before
-  uint32_t weight;                      // 256 times that of the lower one, twice
-  uint32_t whenLess;                    // what is added where the lower one is less
+  uint32_t weights;                     // of the upper and the lower one, 16 bits each
 
   HWY_INLINE void setRows(const uint8_t* first, const uint8_t* second,
                           const RowPair* before) {
@@ -25,10 +29,22 @@ struct RowPair {
                                                                 : kOther;
   }
   HWY_INLINE void setWeight(unsigned ofLower) {
-    weight = 256 * ofLower * 0x10001;
-    whenLess = ((kBase - 256 * ofLower) & 0xFFFF) * 0x10001;
+    weights = 256 - ofLower + (ofLower << 16);
   }
-  static constexpr uint32_t kBase = 32768 + 128;
+};
+
+// Filtered rows of a unit, one above the other in each pair of lanes.
+struct PairedRows {
+  Vec<I16> left, right, lower;
+
+  HWY_INLINE void set(Vec<I16> above, Vec<I16> below) {
+    left = hn::InterleaveLower(i16, above, below);
+    right = hn::InterleaveUpper(i16, above, below);
+    lower = below;
+  }
+  HWY_INLINE Vec<I16> blend(Vec<I16> weights) const {
+    return upperHalves(pairProducts(left, weights), pairProducts(right, weights));
+  }
 };
 
 // A unit in registers.
@@ -36,42 +52,41 @@ template <class Unit>
 class HeldUnit {
  public:
   explicit HWY_INLINE HeldUnit(const Unit& unit)
-      : picks_(unit), weights_(load(unit.weights)) {}
-  HWY_INLINE Vec<I16> filter(const uint8_t* from) const {
-    return pairProducts8(weights_, centred(picks_.pick(from)));
+      : picks_(unit, everyBlock(kOrder)),
+        weights_(pickInBlocks(load(unit.weights), everyBlock(kOrder))) {}
+
+  HWY_INLINE void move(PairedRows* rows, const RowPair& to) const {
+    if (to.after == RowPair::kNext) {
+      rows->set(rows->lower, filter(to.lower));
+    } else if (to.after == RowPair::kOther) {
+      rows->set(filter(to.upper), filter(to.lower));
+    }
   }
 
  private:
+  HWY_INLINE Vec<I16> filter(const uint8_t* from) const {
+    const Vec<I16> sums = pairProducts8(weights_, centred(picks_.pick(from)));
+    return hn::Add(sums, hn::Set(i16, 128));
+  }
+
+  alignas(16) static constexpr uint8_t kOrder[16] = {0, 1, 4, 5, 8,  9,  12, 13,
+                                                     2, 3, 6, 7, 10, 11, 14, 15};
   typename Unit::Held picks_;
   Vec<U8> weights_;
 };
 
-HWY_INLINE Vec<I16> blendRows(Vec<I16> a, Vec<I16> b, const RowPair& row) {
-  const Vec<U16> weight = asU16(hn::Set(u32, row.weight));
-  const Vec<U16> product = hn::MulHigh(asU16(hn::Sub(b, a)), weight);
-  const Vec<U16> base = hn::IfThenElse(
-      hn::RebindMask(u16, hn::Lt(b, a)), asU16(hn::Set(u32, row.whenLess)),
-      hn::Set(u16, static_cast<uint16_t>(RowPair::kBase)));
-  return asI16(hn::ShiftRight<8>(hn::Add(hn::Add(asU16(a), product), base)));
-}
-
 template <class Source, class Unit>
 HWY_INLINE void blendDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
                                size_t count, const Unit& first, const Unit& second) {
-  Vec<I16> a0 = hn::Zero(i16), a1 = a0, b0 = a0, b1 = a0;
+  PairedRows a, b;
+  a.set(hn::Zero(i16), hn::Zero(i16));
+  b = a;
   for (const Source* row = rows; row != rows + count; ++row) {
-    if (row->after == RowPair::kNext) {
-      a0 = b0;
-      a1 = b1;
-      b0 = first.filter(row->lower);
-      b1 = second.filter(row->lower);
-    } else if (row->after == RowPair::kOther) {
-      a0 = first.filter(row->upper);
-      a1 = second.filter(row->upper);
-      b0 = first.filter(row->lower);
-      b1 = second.filter(row->lower);
-    }
-    store(packInBlocks(blendRows(a0, b0, *row), blendRows(a1, b1, *row)), to);
+    first.move(&a, *row);
+    second.move(&b, *row);
+    const Vec<I16> weights = hn::BitCast(i16, hn::Set(u32, row->weights));
+    const Vec<U8> bytes = asU8(packSignedInBlocks(a.blend(weights), b.blend(weights)));
+    store(hn::Xor(bytes, hn::Set(u8, 128)), to);
     to += stride;
   }
 }

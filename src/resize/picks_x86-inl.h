@@ -70,6 +70,10 @@ class Picks : public PickTable<kPieces, kPieces> {
         for (size_t b = 0; b < kGroups; ++b) starts_[p][b] = picks.starts_[p][b];
       }
     }
+    // The bytes of each block in another order.
+    HWY_INLINE Held(const Picks& picks, Vec<U8> order) : Held(picks) {
+      for (Vec<U8>& index : index_) index = pickInBlocks(index, order);
+    }
     HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
       if constexpr (kWindows && kPieces == 2) {
         const Vec<U8> a = load(row + starts_[0][0]);

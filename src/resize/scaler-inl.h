@@ -207,10 +207,12 @@ class Scaler {
   }
 
   // Vector by vector down the rows, what a vector needs stays in registers. Single
-  // samples gain from that wherever rows are left out, filtered ones while the rows are
-  // so short that their tables and loops take long.
+  // samples gain from that where rows are left out, which are not copied then; filtered
+  // ones where rows are used again, and where they are so short that setting out takes
+  // long.
   bool goesDownwards() const {
-    return M::kTaps == 1 ? part_.wholeRows < from_.rows : hasShortRows();
+    const bool reducing = part_.wholeRows < from_.rows;
+    return M::kTaps == 1 ? reducing : !reducing || hasShortRows();
   }
   bool hasShortRows() const { return from_.stride <= 1024 && from_.stride >= -1024; }
 
