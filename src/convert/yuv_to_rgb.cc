@@ -57,9 +57,12 @@ HWY_INLINE void putPixel(uint8_t* to, const uint8_t* luma, const ChromaRows& chr
   Format::put(to + x * Format::kPixelBytes, blueFirst ? b : r, g, blueFirst ? r : b);
 }
 
+// Stays a function of its own: inlined into the loop over two rows it would share its
+// registers with that.
 template <class Format, bool kIsBt601Full>
-void convertRow(uint8_t* to, const uint8_t* luma, const ChromaRows& chroma,
-                size_t pixels, const YuvToRgb& anyColour, bool blueFirst) {
+[[gnu::noinline]] void convertRow(uint8_t* to, const uint8_t* luma,
+                                  const ChromaRows& chroma, size_t pixels,
+                                  const YuvToRgb& anyColour, bool blueFirst) {
   const YuvToRgb& colour = kIsBt601Full ? kBt601Full : anyColour;
   const size_t pairs = (pixels + 1) / 2, last = pairs - 1;
   const auto put = [&](size_t x, size_t other) HWY_ATTR {
