@@ -88,7 +88,7 @@ struct Bicubic {
     }
 
     void makeRow(uint8_t* to, const int32_t* const (&rows)[4], const RowTap& tap,
-                 const uint8_t*) const {
+                 const uint8_t* const*) const {
       for (size_t i = 0; i < bytes_; ++i) {
         int32_t sum = 32768;
         for (size_t t = 0; t < 4; ++t) sum += tap.weights.tap[t] * rows[t][i];
@@ -159,7 +159,7 @@ struct Bicubic {
     }
 
     HWY_INLINE void makeRow(uint8_t* to, const int32_t* const (&rows)[4],
-                            const RowTap& tap, const uint8_t*) const {
+                            const RowTap& tap, const uint8_t* const*) const {
       const auto weight = [&](size_t t) HWY_ATTR {
         return hn::Set(i16, static_cast<int16_t>(tap.weights.tap[t]));
       };

@@ -47,6 +47,8 @@ struct Bilinear {
   static constexpr size_t kSample = kSampleBytes, kTaps = 2, kPicks = 2,
                           kStrip = stripBytes(kSample, 2048);
   static constexpr bool kGroupTaps = true;
+  // Pixels of large frames come from memory.
+  static constexpr bool kPrefetches = kGroupsAtOnce && kSample == 3;
   using Filtered = int16_t;
 
   struct Tap {
@@ -92,7 +94,7 @@ struct Bilinear {
     }
 
     void makeRow(uint8_t* to, const int16_t* const (&rows)[2], const RowTap& tap,
-                 const uint8_t*) const {
+                 const uint8_t* const*) const {
       const int16_t *upper = rows[0], *lower = rows[1];
       const int weight = static_cast<int>(tap.weight);
       for (size_t i = 0; i < bytes_; ++i) {
@@ -192,17 +194,26 @@ struct Bilinear {
     // Inlined, the compiler would be short of registers for this loop and load operands
     // again and again.
     HWY_NOINLINE void makeRow(uint8_t* to, const int16_t* const (&rows)[2],
-                              const RowTap& tap, const uint8_t*) const {
+                              const RowTap& tap, const uint8_t* const*) const {
       blendKeptRows(to, rows[0], rows[1], tap.weight, this->bytes_);
     }
 
     HWY_INLINE void makeRow(uint8_t* to, const uint8_t* const (&rows)[2],
-                            const RowTap& tap, const uint8_t*) const {
-      blendUnits(
-          to, tap.weight, this->bytes_,
-          [&](size_t u) HWY_ATTR { return this->units_[u].filter(rows[0]); },
-          [&](size_t u)
-              HWY_ATTR { return this->units_[u].filterBoth(rows[0], rows[1]); });
+                            const RowTap& tap, const uint8_t* const* next) const {
+      const auto upper = [&](size_t u)
+                             HWY_ATTR { return this->units_[u].filter(rows[0]); };
+      const auto both = [&](size_t u) HWY_ATTR {
+        return this->units_[u].filterBoth(rows[0], rows[1]);
+      };
+      if (kPrefetches && next != nullptr) {
+        blendUnits(to, tap.weight, this->bytes_, upper, [&](size_t u) HWY_ATTR {
+          __builtin_prefetch(next[0] + this->units_[u].start());
+          __builtin_prefetch(next[1] + this->units_[u].start());
+          return both(u);
+        });
+      } else {
+        blendUnits(to, tap.weight, this->bytes_, upper, both);
+      }
     }
   };
 #endif  // ZELM_VECTORS

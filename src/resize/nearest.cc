@@ -45,7 +45,7 @@ struct Nearest {
     }
 
     void makeRow(uint8_t* to, const uint8_t* const (&rows)[1], const RowTap&,
-                 const uint8_t*) const {
+                 const uint8_t* const*) const {
       const uint8_t* from = rows[0];
       for (size_t i = 0; i < samples_; ++i) {
         std::memcpy(to + i * kSample, from + position_[i], kSample);
@@ -105,11 +105,11 @@ struct Nearest {
     }
 
     HWY_INLINE void makeRow(uint8_t* to, const uint8_t* const (&rows)[1], const RowTap&,
-                            const uint8_t* next) const {
+                            const uint8_t* const* next) const {
       const uint8_t* from = rows[0];
       const Unit<kPieces>* unit = this->units_;
       inBlocks(this->bytes_, kBytes, [&](size_t i) HWY_ATTR {
-        if (next != nullptr) unit->prefetch(next);
+        if (next != nullptr) unit->prefetch(next[0]);
         store(unit->pick(from), to + i);
         ++unit;
       });

@@ -17,8 +17,8 @@
 //                      its bytes, and vectors with the bytes of a source row
 //
 // Columns make a row of their strip by makeRow(to, rows, tap, next), where rows are
-// source rows if kDirect, filtered rows if kKept, either if both. `next` is the source
-// row that the next destination row begins with, or null if it need not be prefetched.
+// source rows if kDirect, filtered rows if kKept, either if both. `next` are the
+// source rows of the next destination row, or null if they need not be prefetched.
 // A source row is filtered by filterRow(to, from).
 //
 // With AVX2 tables may be filled group by group, unit.setGroup(group, taps, byte,
@@ -233,10 +233,17 @@ class Scaler {
     }
   }
 
+  // Filtered rows gain where no cache holds the frame, and lose elsewhere.
+  bool gainsFromPrefetching() const {
+    const ptrdiff_t stride = from_.stride < 0 ? -from_.stride : from_.stride;
+    const bool large = from_.rows * static_cast<size_t>(stride) >= size_t{7} << 20;
+    return part_.wholeRows < from_.rows && (M::kTaps == 1 || large);
+  }
+
   template <class Row, class Columns>
   HWY_INLINE void makeRows(const Row& rowAt, const Columns& columns, size_t first,
                            size_t bytes) const {
-    const bool reducing = part_.wholeRows < from_.rows;
+    const bool prefetching = gainsFromPrefetching();
     size_t previous = SIZE_MAX;
     typename M::RowTap tap(down_, part_.row);
     for (size_t y = 0; y < to_.rows; ++y) {
@@ -245,8 +252,10 @@ class Scaler {
       if (M::kTaps == 1 && tap.row[0] == previous) {
         copyBytes(row, row - to_.stride, bytes);
       } else {
-        const uint8_t* ahead = reducing ? from_.row(next.row[0]) : nullptr;
-        makeRow(rowAt, columns, row, tap, ahead, std::make_index_sequence<M::kTaps>());
+        const uint8_t* ahead[M::kTaps];
+        for (size_t t = 0; t < M::kTaps; ++t) ahead[t] = from_.row(next.row[t]);
+        makeRow(rowAt, columns, row, tap, prefetching ? ahead : nullptr,
+                std::make_index_sequence<M::kTaps>());
       }
       previous = tap.row[0];
       tap = next;
@@ -257,7 +266,8 @@ class Scaler {
   // registers.
   template <class Row, class Columns, size_t... kTap>
   static HWY_INLINE void makeRow(const Row& rowAt, const Columns& columns, uint8_t* to,
-                                 const typename M::RowTap& tap, const uint8_t* ahead,
+                                 const typename M::RowTap& tap,
+                                 const uint8_t* const* ahead,
                                  std::index_sequence<kTap...>) {
     decltype(rowAt(0)) const taken[] = {rowAt(tap.row[kTap])...};
     columns.makeRow(to, taken, tap, ahead);
