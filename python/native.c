@@ -1,8 +1,8 @@
 /* What the package's loops over bands and samples do without the interpreter lock. */
 #include <zelm_frames.h>
 
-/* Describes a frame that begins at `start` and is otherwise like `model`, whose planes lie
- * behind its first one. */
+/* Describes a frame that begins at `start` and is otherwise like `model`, whose planes
+ * lie behind its first one. */
 static void placeFrame(ZelmFrame *frame, const ZelmFrame *model, const void *start) {
   const uintptr_t begin = (uintptr_t)model->planes[0].data;
   *frame = *model;

@@ -89,7 +89,7 @@ void convertTwoRows(const TwoRows& rows, size_t pixels, const YuvToRgb& colour,
     return ChromaRows{rows.pairs[i], rows.pairs[1 - i], rows.uFirst,
                       rows.uFirst == upper};
   };
-#if ZELM_X86 && HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
   if (convertTwo<Format, kIsBt601Full>(rows, pixels, colour, blueFirst)) {
     for (size_t i = 0; i < 2 * (pixels % 2); ++i) {
       putPixel<Format>(rows.to[i], rows.luma[i], chroma(i), pixels - 1, pixels / 2,

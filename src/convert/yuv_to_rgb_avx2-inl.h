@@ -10,7 +10,7 @@
 // in order from there on, one saturating narrow and one shuffle make them.
 #include <type_traits>
 
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
 
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
@@ -221,4 +221,4 @@ HWY_INLINE bool convertTwo(const TwoRows& rows, size_t pixels, const YuvToRgb& c
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
-#endif  // HWY_AVX2
+#endif  // ZELM_IS_AVX2

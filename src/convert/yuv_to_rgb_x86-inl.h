@@ -251,7 +251,7 @@ HWY_AFTER_NAMESPACE();
 
 #include "convert/yuv_to_rgb_vbmi-inl.h"
 
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
 #include "convert/yuv_to_rgb_avx2-inl.h"
 #else
 

@@ -34,7 +34,7 @@
 // After the headers that they use.
 #include "resize/bilinear_neon-inl.h"
 #include "resize/bilinear_x86-inl.h"
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
 #include "resize/bilinear_avx2-inl.h"
 #endif
 
@@ -172,7 +172,7 @@ struct Bilinear {
       }
     }
 
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
     struct Source : RowPair {
       HWY_INLINE void set(const Region& from, const RowTap& tap, const Source* before) {
         setRows(from.row(tap.row[0]), from.row(tap.row[1]), before);

@@ -36,7 +36,7 @@ constexpr bool kRuns = !ZELM_VBMI && !ZELM_NEON;
 
 // Whether two pieces lie side by side even where the row ends, so that one load takes
 // both.
-constexpr bool kWindows = HWY_TARGET == HWY_AVX2;
+constexpr bool kWindows = ZELM_IS_AVX2;
 
 // What a vector is made of: where the pieces of each of its groups begin, and for each
 // of kLookups lookups which bytes they give.

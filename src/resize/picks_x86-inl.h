@@ -45,20 +45,7 @@ class Picks : public PickTable<kPieces, kPieces> {
   }
 
   HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
-    if constexpr (kWindows && kPieces == 2) {
-      const Vec<U8> a = load(row + starts_[0][0]);
-      const Vec<U8> b = load(row + starts_[0][kGroups - 1]);
-      return pickBeside(pickInBlocks(hn::ConcatLowerLower(u8, b, a), load(index_[0])),
-                        hn::ConcatUpperUpper(u8, b, a), load(index_[1]));
-    }
-    const auto piece = [&](size_t p) HWY_ATTR {
-      return loadBlocks([&](size_t block) HWY_ATTR { return row + starts_[p][block]; });
-    };
-    Vec<U8> result = pickInBlocks(piece(0), load(index_[0]));
-    for (size_t p = 1; p < kPieces; ++p) {
-      result = pickBeside(result, piece(p), load(index_[p]));
-    }
-    return result;
+    return pick(row, starts_, [&](size_t p) HWY_ATTR { return load(index_[p]); });
   }
 
   // What pick needs, in registers.
@@ -75,20 +62,7 @@ class Picks : public PickTable<kPieces, kPieces> {
       for (Vec<U8>& index : index_) index = pickInBlocks(index, order);
     }
     HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
-      if constexpr (kWindows && kPieces == 2) {
-        const Vec<U8> a = load(row + starts_[0][0]);
-        const Vec<U8> b = load(row + starts_[0][kGroups - 1]);
-        return pickBeside(pickInBlocks(hn::ConcatLowerLower(u8, b, a), index_[0]),
-                          hn::ConcatUpperUpper(u8, b, a), index_[1]);
-      }
-      const auto piece = [&](size_t p) HWY_ATTR {
-        return loadBlocks([&](size_t b) HWY_ATTR { return row + starts_[p][b]; });
-      };
-      Vec<U8> result = pickInBlocks(piece(0), index_[0]);
-      for (size_t p = 1; p < kPieces; ++p) {
-        result = pickBeside(result, piece(p), index_[p]);
-      }
-      return result;
+      return Picks::pick(row, starts_, [&](size_t p) HWY_ATTR { return index_[p]; });
     }
 
    private:
@@ -97,6 +71,25 @@ class Picks : public PickTable<kPieces, kPieces> {
   };
 
  private:
+  template <class Starts, class Index>
+  static HWY_INLINE Vec<U8> pick(const uint8_t* row, const Starts& starts,
+                                 const Index& index) {
+    if constexpr (kWindows && kPieces == 2) {
+      const Vec<U8> a = load(row + starts[0][0]);
+      const Vec<U8> b = load(row + starts[0][kGroups - 1]);
+      return pickBeside(pickInBlocks(hn::ConcatLowerLower(u8, b, a), index(0)),
+                        hn::ConcatUpperUpper(u8, b, a), index(1));
+    }
+    const auto piece = [&](size_t p) HWY_ATTR {
+      return loadBlocks([&](size_t block) HWY_ATTR { return row + starts[p][block]; });
+    };
+    Vec<U8> result = pickInBlocks(piece(0), index(0));
+    for (size_t p = 1; p < kPieces; ++p) {
+      result = pickBeside(result, piece(p), index(p));
+    }
+    return result;
+  }
+
   using PickTable<kPieces, kPieces>::index_;
   using PickTable<kPieces, kPieces>::starts_;
   static constexpr uint8_t kNoByte = 128;  // a shuffle makes it 0

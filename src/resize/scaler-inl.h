@@ -41,7 +41,7 @@
 #include "resize/picks-inl.h"
 #include "resize/scale_plane.h"
 
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
 #include "resize/group_taps_avx2-inl.h"
 #endif
 
@@ -55,7 +55,7 @@ constexpr size_t stripBytes(size_t sample, size_t most) {
   return most - most % (64 * sample);
 }
 
-#if HWY_TARGET == HWY_AVX2
+#if ZELM_IS_AVX2
 constexpr bool kGroupsAtOnce = true;
 #else
 constexpr bool kGroupsAtOnce = false;

@@ -7,6 +7,7 @@
 // plain code. In a pass
 //   ZELM_VECTORS  tells whether kernels may use vectors,
 //   ZELM_X86      whether these are those of x86,
+//   ZELM_IS_AVX2  and those of AVX2,
 //   ZELM_NEON     whether these are those of Arm,
 //   ZELM_ARMV7    and of Arm with 32 bits,
 //   ZELM_VBMI     whether it is the extra pass of simd/vbmi_pass.h.
@@ -17,6 +18,7 @@
 
 #define ZELM_VECTORS (HWY_TARGET != HWY_SCALAR)
 #define ZELM_X86 (HWY_ARCH_X86 && ZELM_VECTORS)
+#define ZELM_IS_AVX2 (ZELM_X86 && HWY_TARGET == HWY_AVX2)
 #define ZELM_NEON (HWY_ARCH_ARM && ZELM_VECTORS)
 #define ZELM_ARMV7 (HWY_ARCH_ARM_V7 && ZELM_VECTORS)
 #define ZELM_VBMI 0
@@ -29,6 +31,7 @@
 
 #define ZELM_VECTORS 0
 #define ZELM_X86 0
+#define ZELM_IS_AVX2 0
 #define ZELM_NEON 0
 #define ZELM_ARMV7 0
 #define ZELM_VBMI 0
