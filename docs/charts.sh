@@ -9,7 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 require_packages $chart_packages
 
 folder=${1:-bench/results}
-kind=avx512-vbmi
+kind=avx2  # what most processors have
 work=$(mktemp -d)
 trap 'rm -r "$work"' EXIT
 
@@ -82,6 +82,6 @@ scalings=("1920x1080 to 1280x720" "1920x1080 to 1000x562" "1920x1080 to 640x360"
   "3840x2160 to 1920x1080" "1280x720 to 1920x1080" "640x480 to 1920x1440")
 by_size "$peers" "${scalings[@]}" | draw docs/speed-of-scaling.svg \
   "Speed of scaling beside the fastest peer" "times as fast as the peer" points "${scalings[@]}"
-gains "$folder/$kind-instruction-sets.csv" | draw docs/instruction-sets.svg \
+gains "$folder/avx512-vbmi-instruction-sets.csv" | draw docs/instruction-sets.svg \
   "What each instruction set gains over plain code" "times as fast as plain code" points SSE4 AVX2 AVX-512 \
   "AVX-512 with VBMI"
