@@ -64,12 +64,14 @@ inline void putPairs(uint8_t*& to, uint8x16x2_t v) {
 }
 // Interleaves three or four registers.
 inline void putThrees(uint8_t*& to, uint8x16_t a, uint8x16_t b, uint8x16_t c) {
-  vst3q_u8(to, {{a, b, c}});
+  const uint8x16x3_t v = {{a, b, c}};
+  vst3q_u8(to, v);
   to += 48;
 }
 inline void putFours(uint8_t*& to, uint8x16_t a, uint8x16_t b, uint8x16_t c,
                      uint8x16_t d) {
-  vst4q_u8(to, {{a, b, c, d}});
+  const uint8x16x4_t v = {{a, b, c, d}};
+  vst4q_u8(to, v);
   to += 64;
 }
 inline void putHalves(uint8_t*& low, uint8_t*& high, uint8x16_t v) {
