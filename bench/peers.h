@@ -99,6 +99,12 @@ inline bool thirds(const Job& job) {
   return job.src.width == 3 * job.dst.width && job.src.height == 3 * job.dst.height;
 }
 
+// The job takes three quarters of both sides exactly.
+inline bool threeQuarters(const Job& job) {
+  return 3 * job.src.width == 4 * job.dst.width &&
+         3 * job.src.height == 4 * job.dst.height;
+}
+
 inline bool enlarges(const Job& job) { return job.dst.width > job.src.width; }
 
 }  // namespace bench

@@ -26,6 +26,9 @@ Peer scaled(const Job& job, const Peer& peer) {
   if (job.method == RESIZE_LINEAR && halves(job)) {
     return notCounted(peer, "exact halving is a box average");
   }
+  if (job.method == RESIZE_LINEAR && threeQuarters(job)) {
+    return notCounted(peer, "exact three quarters are a box average");
+  }
   if (job.method == RESIZE_LINEAR && thirds(job)) {
     return notCounted(peer, "an exact third takes single samples");
   }

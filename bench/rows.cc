@@ -109,7 +109,9 @@ const Scaling kScalings[] = {
 const Size kIcon = {64, 48}, kQvga = {320, 240};
 const Size kSmallSizes[] = {kIcon, kQvga};
 const Scaling kSmallScalings[] = {
-    {kIcon, {48, 36}}, {kIcon, {128, 96}}, {kQvga, {240, 180}}, {kQvga, kVga}};
+    {kIcon, {48, 36}},   {kIcon, {40, 30}},   {kIcon, {128, 96}},
+    {kQvga, {240, 180}}, {kQvga, {200, 150}}, {kQvga, kVga},
+};
 
 const struct Pipeline {
   const char* name;

@@ -11,7 +11,8 @@ InstructionSet currentCeiling = InstructionSet::kAvx512Vbmi;
 }  // namespace
 
 InstructionSet instructionSet() {
-  return chooseInstructionSet(processorFeatures(), currentCeiling);
+  const InstructionSet offered = offeredInstructionSet();
+  return offered < currentCeiling ? offered : currentCeiling;
 }
 
 void setInstructionSetCeiling(InstructionSet ceiling) { currentCeiling = ceiling; }

@@ -179,14 +179,18 @@ struct Bilinear {
         setWeight(tap.weight);
       }
     };
-    HWY_INLINE void makeDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
-                                  size_t count) const {
+    HWY_INLINE void makeDownwards(const Region& to, const RowsDown& rows) const {
+      Source sources[RowsDown::kMost];
+      for (size_t y = 0; y < to.rows; ++y) {
+        sources[y].set(rows.from, RowTap(rows.down, rows.first + y),
+                       y == 0 ? nullptr : &sources[y - 1]);
+      }
       const size_t vectors = vectorsFor(this->bytes_);
       for (size_t v = 0; v < vectors; ++v) {
         const HeldUnit<Unit<kPieces>> first(this->units_[2 * v]),
             second(this->units_[2 * v + 1]);
-        blendDownwards(to + vectorStart(v, this->bytes_), stride, rows, count, first,
-                       second);
+        blendDownwards(to.origin + vectorStart(v, this->bytes_), to.stride, sources,
+                       to.rows, first, second);
       }
     }
 #endif

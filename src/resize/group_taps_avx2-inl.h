@@ -30,7 +30,11 @@ struct LanesOfSamples {
 template <size_t kSample>
 class GroupTaps {
  public:
-  explicit GroupTaps(const Axis& across) : across_(across) {}
+  explicit HWY_INLINE GroupTaps(const Axis& across)
+      : across_(across),
+        two_(_mm256_set1_epi64x(static_cast<int64_t>(2 * across.step))),
+        near_(distances(across.step, 4)),
+        far_(distances(across.step, 8)) {}
 
   // Bytes of a group, less `lowest`, the first byte of the group's first sample.
   struct Offsets {
@@ -39,13 +43,11 @@ class GroupTaps {
   };
   // Returns the nearest bytes for the 16 bytes of a row from `byte` on.
   HWY_INLINE Offsets nearest(size_t byte) const {
-    const uint64_t step = across_.step;
-    const uint64_t at = UINT64_C(0x80000000) + byte / kSample * step;
+    const uint64_t at = across_.halfOn(byte / kSample);
     const size_t column = across_.clamp(static_cast<size_t>(at >> 32));
-    const __m256i two = _mm256_set1_epi64x(static_cast<int64_t>(2 * step));
-    const __m256i a = positions(at - (uint64_t{column} << 32), 8);
-    const __m256i b = _mm256_add_epi64(a, two), c = _mm256_add_epi64(b, two);
-    const __m256i d = _mm256_add_epi64(c, two);
+    const __m256i a = behind(at - (uint64_t{column} << 32), far_);
+    const __m256i b = _mm256_add_epi64(a, two_), c = _mm256_add_epi64(b, two_);
+    const __m256i d = _mm256_add_epi64(c, two_);
     const __m256i words = _mm256_packs_epi32(upper(a, b), upper(c, d));
     const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words),
                                            _mm256_extracti128_si256(words, 1));
@@ -66,11 +68,9 @@ class GroupTaps {
     }
   };
   HWY_INLINE Pairs bilinear(size_t byte) const {
-    const uint64_t step = across_.step, at = byte / kSample * step;
+    const uint64_t at = byte / kSample * across_.step;
     const size_t column = static_cast<size_t>(at >> 32), most = across_.last - column;
-    const __m256i a = positions(at & 0xFFFFFFFF, 4);
-    const __m256i b =
-        _mm256_add_epi64(a, _mm256_set1_epi64x(static_cast<int64_t>(2 * step)));
+    const __m256i a = behind(at & 0xFFFFFFFF, near_), b = _mm256_add_epi64(a, two_);
     const __m256i left = upper(a, b);
     const __m256i right =
         _mm256_min_epi32(_mm256_add_epi32(left, _mm256_set1_epi32(1)),
@@ -101,12 +101,14 @@ class GroupTaps {
   }
 
  private:
-  // The positions of samples 0 and 1, and of those `apart` behind them.
-  HWY_INLINE __m256i positions(uint64_t at, uint64_t apart) const {
-    const uint64_t step = across_.step, behind = at + apart * step;
-    return _mm256_setr_epi64x(static_cast<int64_t>(at), static_cast<int64_t>(at + step),
-                              static_cast<int64_t>(behind),
-                              static_cast<int64_t>(behind + step));
+  // How far behind sample 0 that one, sample 1, and those `apart` behind them lie.
+  static HWY_INLINE __m256i distances(uint64_t step, uint64_t apart) {
+    return _mm256_setr_epi64x(0, static_cast<int64_t>(step),
+                              static_cast<int64_t>(apart * step),
+                              static_cast<int64_t>((apart + 1) * step));
+  }
+  static HWY_INLINE __m256i behind(uint64_t at, __m256i distances) {
+    return _mm256_add_epi64(_mm256_set1_epi64x(static_cast<int64_t>(at)), distances);
   }
   static HWY_INLINE __m256i upper(__m256i a, __m256i b) {
     return _mm256_castps_si256(_mm256_shuffle_ps(
@@ -134,6 +136,7 @@ class GroupTaps {
   }
 
   const Axis& across_;
+  const __m256i two_, near_, far_;  // distances
 };
 
 }  // namespace

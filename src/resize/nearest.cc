@@ -77,30 +77,31 @@ struct Nearest {
     using UnitTables<Nearest, Unit<kPieces>>::UnitTables;
     static constexpr bool kDirect = true, kKept = false, kDownwards = true;
 
-    struct Source {
-      const uint8_t* row;
-      HWY_INLINE void set(const Region& from, const RowTap& tap, const Source*) {
-        row = from.row(tap.row[0]);
-      }
-    };
-    HWY_INLINE void makeDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
-                                  size_t count) const {
+    // Every row comes from another one, as only frames that are reduced are made down
+    // the rows. Rows of small frames are made two vectors at a time. Long rows would
+    // push each other out of the first-level cache.
+    HWY_INLINE void makeDownwards(const Region& to, const RowsDown& rows) const {
+      using Held = typename Picks<kPieces>::Held;
       const size_t vectors = vectorsFor(this->bytes_);
-      for (size_t v = 0; v < vectors; ++v) {
-        const typename Picks<kPieces>::Held held(this->units_[v]);
-        const size_t ahead = this->units_[v + 3 < vectors ? v + 3 : v].start();
-        uint8_t* at = to + vectorStart(v, this->bytes_);
-        const uint8_t* previous = nullptr;
-        Vec<U8> picked = hn::Zero(u8);
-        for (const Source* row = rows; row != rows + count; ++row) {
-          if (row->row != previous) {
-            previous = row->row;
-            __builtin_prefetch(previous + ahead);
-            picked = held.pick(previous);
-          }
-          store(picked, at);
-          at += stride;
-        }
+      size_t v = 0;
+      for (; vectors <= 16 && v + 2 <= vectors; v += 2) {
+        const Held left(this->units_[v]), right(this->units_[v + 1]);
+        const size_t toLeft = vectorStart(v, this->bytes_);
+        const size_t toRight = vectorStart(v + 1, this->bytes_);
+        rows.eachNearest(to, [&](uint8_t* row, const uint8_t* from) HWY_ATTR {
+          store(left.pick(from), row + toLeft);
+          store(right.pick(from), row + toRight);
+        });
+      }
+      for (; v < vectors; ++v) {
+        const Held held(this->units_[v]);
+        const size_t start = vectorStart(v, this->bytes_);
+        const size_t ahead =
+            this->units_[v + 3 < vectors ? v + 3 : vectors - 1].start();
+        rows.eachNearest(to, [&](uint8_t* row, const uint8_t* from) HWY_ATTR {
+          __builtin_prefetch(from + ahead);
+          store(held.pick(from), row + start);
+        });
       }
     }
 

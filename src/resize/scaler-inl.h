@@ -23,8 +23,7 @@
 //
 // With AVX2 tables may be filled group by group, unit.setGroup(group, taps, byte,
 // rowBytes), if kGroupTaps, and strips be made vector by vector down the rows,
-// makeDownwards(to, stride, rows, count), if kDownwards. Rows are then of the type
-// Source, whose set(from, tap, before) is told of the row before or null.
+// makeDownwards(to, rows), if kDownwards.
 #if ZELM_VBMI || defined(ZELM_SRC_RESIZE_SCALER_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_SCALER_INL_H_
@@ -73,12 +72,12 @@ class UnitTables {
   UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes)
       : bytes_(bytes) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;  // of a group
+    if constexpr (kGroupsAtOnce && M::kGroupTaps) {
+      setGroups(across, first, rowBytes);
+      return;
+    }
     for (size_t u = 0; u < M::kPicks * vectorsFor(bytes); ++u) {
       const size_t start = first + vectorStart(u / M::kPicks, bytes);
-      if constexpr (kGroupsAtOnce && M::kGroupTaps) {
-        setGroups(&units_[u], across, u % M::kPicks, start, rowBytes);
-        continue;
-      }
       for (size_t lane = 0; lane < kGroups * kLanes; lane += kLanes) {
         decltype(M::tapOf(across, 0)) taps[kLanes];
         size_t lowest = SIZE_MAX;
@@ -95,14 +94,16 @@ class UnitTables {
   }
 
  private:
-  static HWY_INLINE void setGroups(Unit* unit, const Axis& across, size_t half,
-                                   size_t start, size_t rowBytes) {
+  HWY_INLINE void setGroups(const Axis& across, size_t first, size_t rowBytes) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;
     const GroupTaps<M::kSample> taps(across);
-    for (size_t group = 0; group < kGroups; ++group) {
-      const size_t lane = group * kLanes;
-      const size_t byte = M::kPicks == 1 ? lane : byteOfLane(half, lane);
-      unit->setGroup(group, taps, start + byte, rowBytes);
+    for (size_t u = 0; u < M::kPicks * vectorsFor(bytes_); ++u) {
+      const size_t start = first + vectorStart(u / M::kPicks, bytes_);
+      for (size_t group = 0; group < kGroups; ++group) {
+        const size_t lane = group * kLanes;
+        const size_t byte = M::kPicks == 1 ? lane : byteOfLane(u % M::kPicks, lane);
+        units_[u].setGroup(group, taps, start + byte, rowBytes);
+      }
     }
   }
 
@@ -111,6 +112,27 @@ class UnitTables {
   Unit units_[M::kPicks * M::kStrip / kBytes];
 };
 #endif  // ZELM_VECTORS
+
+// Where some destination rows of a plane come from, of which `first` is the first one.
+struct RowsDown {
+  static constexpr size_t kMost = 64;  // of them, at a time
+  const Region& from;
+  const Axis& down;
+  size_t first;
+
+  // Calls body(row, nearest source row) for each row of `to`.
+  template <class Body>
+  HWY_INLINE void eachNearest(const Region& to, const Body& body) const {
+    const Region source = from;
+    const uint64_t step = down.step;
+    uint64_t position = down.halfOn(first);
+    uint8_t *row = to.origin, *const end = to.row(to.rows);
+    for (; row != end; row += to.stride) {
+      body(row, source.row(static_cast<size_t>(position >> 32)));
+      position += step;
+    }
+  }
+};
 
 // The last filtered rows of a strip. Row y is kept in place y mod kTaps, so the rows of
 // one destination row, being neighbours, never push each other out, and when a plane is
@@ -220,16 +242,11 @@ class Scaler {
   // may share a place in the first-level cache.
   template <class Columns>
   HWY_INLINE void makeDownwards(const Columns& columns, size_t first) const {
-    constexpr size_t kMost = 64;
-    typename Columns::Source rows[kMost];
-    const size_t most = hasShortRows() ? kMost : 16;
+    const size_t most = hasShortRows() ? RowsDown::kMost : 16;
     for (size_t y = 0; y < to_.rows; y += most) {
-      const size_t count = to_.rows - y < most ? to_.rows - y : most;
-      for (size_t i = 0; i < count; ++i) {
-        rows[i].set(from_, typename M::RowTap(down_, part_.row + y + i),
-                    i == 0 ? nullptr : &rows[i - 1]);
-      }
-      columns.makeDownwards(to_.row(y) + first, to_.stride, rows, count);
+      const Region to = {to_.row(y) + first, to_.stride, to_.columns,
+                         to_.rows - y < most ? to_.rows - y : most};
+      columns.makeDownwards(to, {from_, down_, part_.row + y});
     }
   }
 

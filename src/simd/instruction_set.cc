@@ -4,8 +4,6 @@
 
 namespace zelm {
 
-InstructionSet instructionSet() {
-  return chooseInstructionSet(processorFeatures(), InstructionSet::kAvx512Vbmi);
-}
+InstructionSet instructionSet() { return offeredInstructionSet(); }
 
 }  // namespace zelm
