@@ -10,11 +10,11 @@
 namespace zelm {
 namespace {
 
-// What a band reads, makes and writes is to stay in the second-level cache. Where
-// little is made in between, bands are larger, so that they take no time to begin, but
-// not fewer than a few for each thread.
+// What a band reads, makes and writes is to stay in the second-level cache. Bands are
+// larger where little is made in between, so that they take no time to begin, and where
+// beginning takes long, but not fewer than a few for each thread.
 constexpr size_t kBandBytes = 256 * 1024;
-constexpr size_t kDirectBandBytes = 1024 * 1024;
+constexpr size_t kLargeBandBytes = 1024 * 1024;
 constexpr size_t kLeastBands = 8;
 
 constexpr ZelmEdit kNoEdit = {};
@@ -165,11 +165,14 @@ size_t bandRowsOf(const Route& route) {
   const Layout from = route.from->layout;
   const bool direct = !route.luma.isScaled() && !route.luma.turn.transposed &&
                       from != Layout::kTiles && from != Layout::kWords565;
+  // Each band makes its own tables, which are largest of cubic filters, and filters the
+  // rows above and below it again.
+  const bool cubic = route.luma.isScaled() && route.luma.filter == ZELM_CUBIC;
   // What sixteen rows touch of both frames, and scratch memory.
   const uint64_t touched =
       route.frameBytes * sixteen / all + (direct ? 0 : scratchFor(route, 0, sixteen));
-  auto rows = static_cast<size_t>(sixteen * (direct ? kDirectBandBytes : kBandBytes) /
-                                  (touched + 1));
+  const size_t most = direct || cubic ? kLargeBandBytes : kBandBytes;
+  auto rows = static_cast<size_t>(sixteen * most / (touched + 1));
   if (rows > all / kLeastBands) rows = all / kLeastBands;
   // A band of turned rows reads columns, and whole cache lines of them.
   const size_t least = route.luma.turn.transposed ? 64 : 16;
