@@ -16,6 +16,7 @@
 #include "resize/box_average.h"
 #include "resize/scale_plane.h"
 #include "rotate/turn.h"
+#include "simd/copy.h"
 
 namespace zelm {
 namespace {
@@ -263,6 +264,31 @@ TEST(Turns, ReverseRowsOfSamples) {
   }
 }
 
+// ------------------------------------------------------------------------- copies
+
+// Destinations that begin and end at any place of a line, and sizes on either side of
+// those where another way of copying takes over.
+TEST(Copies, AreTheBytesAndNoMore) {
+  Random random(10);
+  Noise from, to;
+  for (const size_t bytes :
+       {0, 63, 1023, 1024, 1151, 1152, 3072, 16384, 16385, 20000}) {
+    for (const size_t place : {0, 1, 33, 63}) {
+      for (const bool stream : {false, true}) {
+        const uint8_t* source = from.place(bytes, Guard::kBehind, &random);
+        uint8_t* made = to.place(bytes + 128, Guard::kBehind, &random);
+        const Bytes before(made, made + bytes + 128);
+        copyBytes(made + place, source, bytes, stream);
+        for (size_t i = 0; i < bytes + 128; ++i) {
+          const bool inside = i >= place && i < place + bytes;
+          ASSERT_EQ(made[i], inside ? source[i - place] : before[i])
+              << bytes << " bytes, place " << place << ", byte " << i;
+        }
+      }
+    }
+  }
+}
+
 // -------------------------------------------------------------------------- pairs
 
 TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
@@ -284,7 +310,7 @@ TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
       splitPairsKernel(pairs)(made, made + pairs, source, pairs, stream);
       expect(made, "split",
              [&](size_t i) { return source[i % pairs * 2 + i / pairs]; });
-      swapPairsKernel(bytes)(made, source, bytes);
+      swapPairsKernel(bytes)(made, source, bytes, stream);
       expect(made, "swap", [&](size_t i) { return source[i ^ 1]; });
       uint8_t* odd = also.place(bytes, guard, &random);
       for (const bool swap : {false, true}) {

@@ -29,11 +29,11 @@ inline InstructionSet instructionSetFor(size_t bytes) {
   return offered < fitting ? offered : fitting;
 }
 
-template <class Kernel>
-Kernel* pickKernel(InstructionSet set, Kernel* plain, Kernel* sse4, Kernel* avx2,
-                   Kernel* avx512, Kernel* vbmi) {
-  Kernel* const kernels[] = {plain, sse4, avx2, avx512, vbmi};
-  return kernels[static_cast<int>(set)];
+// The table is made when the program is linked, not at each call.
+template <auto* plain, auto* sse4, auto* avx2, auto* avx512, auto* vbmi>
+auto* pickKernel(InstructionSet set) {
+  static constexpr decltype(plain) kKernels[] = {plain, sse4, avx2, avx512, vbmi};
+  return kKernels[static_cast<int>(set)];
 }
 
 }  // namespace zelm
@@ -61,9 +61,9 @@ Kernel* pickKernel(InstructionSet set, Kernel* plain, Kernel* sse4, Kernel* avx2
 #endif
 // Redefined by simd/vbmi_pass.h.
 #define ZELM_WITH_VBMI(name) ZELM_AVX512(name)
-#define ZELM_KERNEL_OF(set, name)                                        \
-  pickKernel(set, &ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), \
-             &ZELM_AVX512(name), &ZELM_WITH_VBMI(name))
+#define ZELM_KERNEL_OF(set, name)                                   \
+  pickKernel<&ZELM_PLAIN(name), &ZELM_SSE4(name), &ZELM_AVX2(name), \
+             &ZELM_AVX512(name), &ZELM_WITH_VBMI(name)>(set)
 #define ZELM_KERNEL(name) ZELM_KERNEL_OF(instructionSet(), name)
 #define ZELM_KERNEL_FOR(name, bytes) ZELM_KERNEL_OF(instructionSetFor(bytes), name)
 
