@@ -184,21 +184,21 @@ TEST(BoxAverages, AreMeansRoundedDown) {
     for (size_t sample = 1; sample <= 4; ++sample) {
       for (const size_t samples : {1, 7, 16, 33, 64, 131}) {
         for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
-          const size_t bytes = samples * sample, rowBytes = factor * bytes;
-          const uint8_t* block = from.place(factor * rowBytes, guard, &random);
-          uint8_t* made = to.place(bytes, guard, &random);
-          ptrdiff_t stride = static_cast<ptrdiff_t>(rowBytes);
-          const uint8_t* first = block;
+          const size_t bytes = samples * sample, rowBytes = factor * bytes, rows = 3;
+          uint8_t* first = from.place(rows * factor * rowBytes, guard, &random);
+          uint8_t* made = to.place(rows * bytes, guard, &random);
+          Region source = {first, static_cast<ptrdiff_t>(rowBytes), 0, 0};
+          Region result = {made, static_cast<ptrdiff_t>(bytes), samples, rows};
           if (guard == Guard::kBefore) {
-            first += (factor - 1) * rowBytes;
-            stride = -stride;
+            source = {source.row(rows * factor - 1), -source.stride, 0, 0};
           }
-          averageKernel(factor, sample, bytes)(made, first, stride, bytes, nullptr);
-          for (size_t i = 0; i < bytes; ++i) {
+          averagePlane(result, source, factor, sample);
+          for (size_t i = 0; i < rows * bytes; ++i) {
             size_t sum = 0;
             for (size_t k = 0; k < factor * factor; ++k) {
-              const size_t x = i / sample * factor + k % factor;
-              sum += block[k / factor * rowBytes + x * sample + i % sample];
+              const size_t x = i % bytes / sample * factor + k % factor;
+              const size_t y = i / bytes * factor + k / factor;
+              sum += source.row(y)[x * sample + i % sample];
             }
             ASSERT_EQ(made[i], sum / (factor * factor))
                 << factor << ", " << sample << " bytes, " << samples << ", byte " << i;
