@@ -48,15 +48,6 @@ Rect enlarged(const Rect& rect, int shift) {
 // The halvings of the next step: by four times as long as it goes.
 int nextShift(int halvings) { return halvings == 1 ? 1 : 2; }
 
-void reduce(const Region& to, const Region& from, int shift, size_t sample) {
-  const size_t factor = size_t{1} << shift;
-  const auto average = averageKernel(factor, sample, to.columns * sample);
-  for (size_t y = 0; y < to.rows; ++y) {
-    const uint8_t* next = y + 1 < to.rows ? from.row(factor * (y + 1)) : nullptr;
-    average(to.row(y), from.row(factor * y), from.stride, to.columns * sample, next);
-  }
-}
-
 // The plane of `size` that the region is a part of, from (column, row) on. What lies
 // outside of the region must not be touched.
 Region wholeOf(const Region& part, const Rect& rect, const Size& size, size_t sample) {
@@ -131,7 +122,7 @@ Region makeLayer(const Shape& shape, size_t sample, const Rect& rect,
     left -= shift;
     const Region to =
         place(left == 0 ? afterReducing : nullptr, enlarged(reduced, left));
-    reduce(to, have, shift, sample);
+    averagePlane(to, have, size_t{1} << shift, sample);
     have = to;
   }
   if (shape.isScaled()) {

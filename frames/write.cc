@@ -30,7 +30,7 @@ void Target::writeLuma(size_t y, const uint8_t* luma) const {
 // Returns the pairs in the order of uFirst().
 const uint8_t* Target::ordered(const uint8_t* pairs, bool uFirst) const {
   if (uFirst == this->uFirst()) return pairs;
-  swapPairsKernel(2 * pairs_)(swapped_, pairs, 2 * pairs_);
+  swapPairsKernel(2 * pairs_)(swapped_, pairs, 2 * pairs_, false);
   return swapped_;
 }
 
@@ -44,7 +44,7 @@ void Target::writePairs(size_t y, const uint8_t* pairs, bool uFirst) const {
   if (planes_.pairs) {
     uint8_t* row = plane.row(y);
     if (uFirst != planes_.uFirst) {
-      swapPairsKernel(2 * pairs_)(row, pairs, 2 * pairs_);
+      swapPairsKernel(2 * pairs_)(row, pairs, 2 * pairs_, false);
     } else if (pairs != row) {
       copyBytes(row, pairs, 2 * pairs_);
     }

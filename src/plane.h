@@ -66,10 +66,12 @@ inline RowSpan joinRows(const Region& to, const Region& from, size_t rows,
   return {rows, bytes};
 }
 
-inline void copyRows(const Region& to, const Region& from, size_t rows, size_t bytes) {
+// With `stream` the caller finishes streaming.
+inline void copyRows(const Region& to, const Region& from, size_t rows, size_t bytes,
+                     bool stream = false) {
   const RowSpan span = joinRows(to, from, rows, bytes);
   for (size_t y = 0; y < span.rows; ++y) {
-    copyBytes(to.row(y), from.row(y), span.bytes);
+    copyBytes(to.row(y), from.row(y), span.bytes, stream);
   }
 }
 

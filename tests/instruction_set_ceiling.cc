@@ -7,15 +7,16 @@ namespace zelm {
 namespace {
 
 InstructionSet currentCeiling = InstructionSet::kAvx512Vbmi;
+InstructionSet chosen = chooseInstructionSet(processorFeatures(), currentCeiling);
 
 }  // namespace
 
-InstructionSet instructionSet() {
-  const InstructionSet offered = offeredInstructionSet();
-  return offered < currentCeiling ? offered : currentCeiling;
-}
+InstructionSet instructionSet() { return chosen; }
 
-void setInstructionSetCeiling(InstructionSet ceiling) { currentCeiling = ceiling; }
+void setInstructionSetCeiling(InstructionSet ceiling) {
+  currentCeiling = ceiling;
+  chosen = chooseInstructionSet(processorFeatures(), ceiling);
+}
 
 InstructionSet instructionSetCeiling() { return currentCeiling; }
 

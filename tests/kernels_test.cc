@@ -16,6 +16,7 @@
 #include "resize/box_average.h"
 #include "resize/scale_plane.h"
 #include "rotate/turn.h"
+#include "simd/copy.h"
 
 namespace zelm {
 namespace {
@@ -183,21 +184,21 @@ TEST(BoxAverages, AreMeansRoundedDown) {
     for (size_t sample = 1; sample <= 4; ++sample) {
       for (const size_t samples : {1, 7, 16, 33, 64, 131}) {
         for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
-          const size_t bytes = samples * sample, rowBytes = factor * bytes;
-          const uint8_t* block = from.place(factor * rowBytes, guard, &random);
-          uint8_t* made = to.place(bytes, guard, &random);
-          ptrdiff_t stride = static_cast<ptrdiff_t>(rowBytes);
-          const uint8_t* first = block;
+          const size_t bytes = samples * sample, rowBytes = factor * bytes, rows = 3;
+          uint8_t* first = from.place(rows * factor * rowBytes, guard, &random);
+          uint8_t* made = to.place(rows * bytes, guard, &random);
+          Region source = {first, static_cast<ptrdiff_t>(rowBytes), 0, 0};
+          Region result = {made, static_cast<ptrdiff_t>(bytes), samples, rows};
           if (guard == Guard::kBefore) {
-            first += (factor - 1) * rowBytes;
-            stride = -stride;
+            source = {source.row(rows * factor - 1), -source.stride, 0, 0};
           }
-          averageKernel(factor, sample, bytes)(made, first, stride, bytes, nullptr);
-          for (size_t i = 0; i < bytes; ++i) {
+          averagePlane(result, source, factor, sample);
+          for (size_t i = 0; i < rows * bytes; ++i) {
             size_t sum = 0;
             for (size_t k = 0; k < factor * factor; ++k) {
-              const size_t x = i / sample * factor + k % factor;
-              sum += block[k / factor * rowBytes + x * sample + i % sample];
+              const size_t x = i % bytes / sample * factor + k % factor;
+              const size_t y = i / bytes * factor + k / factor;
+              sum += source.row(y)[x * sample + i % sample];
             }
             ASSERT_EQ(made[i], sum / (factor * factor))
                 << factor << ", " << sample << " bytes, " << samples << ", byte " << i;
@@ -263,6 +264,31 @@ TEST(Turns, ReverseRowsOfSamples) {
   }
 }
 
+// ------------------------------------------------------------------------- copies
+
+// Destinations that begin and end at any place of a line, and sizes on either side of
+// those where another way of copying takes over.
+TEST(Copies, AreTheBytesAndNoMore) {
+  Random random(10);
+  Noise from, to;
+  for (const size_t bytes :
+       {0, 63, 1023, 1024, 1151, 1152, 3072, 16384, 16385, 20000}) {
+    for (const size_t place : {0, 1, 33, 63}) {
+      for (const bool stream : {false, true}) {
+        const uint8_t* source = from.place(bytes, Guard::kBehind, &random);
+        uint8_t* made = to.place(bytes + 128, Guard::kBehind, &random);
+        const Bytes before(made, made + bytes + 128);
+        copyBytes(made + place, source, bytes, stream);
+        for (size_t i = 0; i < bytes + 128; ++i) {
+          const bool inside = i >= place && i < place + bytes;
+          ASSERT_EQ(made[i], inside ? source[i - place] : before[i])
+              << bytes << " bytes, place " << place << ", byte " << i;
+        }
+      }
+    }
+  }
+}
+
 // -------------------------------------------------------------------------- pairs
 
 TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
@@ -284,7 +310,7 @@ TEST(Pairs, AreJoinedSplitSwappedAndExpanded) {
       splitPairsKernel(pairs)(made, made + pairs, source, pairs, stream);
       expect(made, "split",
              [&](size_t i) { return source[i % pairs * 2 + i / pairs]; });
-      swapPairsKernel(bytes)(made, source, bytes);
+      swapPairsKernel(bytes)(made, source, bytes, stream);
       expect(made, "swap", [&](size_t i) { return source[i ^ 1]; });
       uint8_t* odd = also.place(bytes, guard, &random);
       for (const bool swap : {false, true}) {

@@ -36,7 +36,8 @@ TEST_P(StageTest, EqualsReference) {
 TEST(LargeFrames, EqualReference) {
   const std::string names =
       "convYUV420SP_YUV422SP convYUV420SP_YUV422SP_VU2UV convYUV422IUYVY_YUV420SPVU "
-      "convYUV420SP_YUV420P convYUV420P_YUV420SP rotate180_Y ";
+      "convYUV420SP_YUV420P convYUV420P_YUV420SP rotate180_Y convYUV420SP_YUV420SP "
+      "convYUV420SP_VU2UV convRGB565_YUV420SPVU ";
   int tried = 0;
   Random random(1);
   for (const Stage& stage : stages()) {
@@ -51,7 +52,7 @@ TEST(LargeFrames, EqualReference) {
       ++tried;
     }
   }
-  EXPECT_EQ(tried, 12);
+  EXPECT_EQ(tried, 18);
 }
 
 // RGB is made in strips of columns where chroma is expanded first: one strip, one and a

@@ -77,14 +77,14 @@ namespace zelm {
 
 static void expandFrame(const ImageStruct& dst, const ImageStruct& src, bool swap) {
   const Region luma = lumaRegion(src), lumaTo = lumaRegion(dst);
-  copyRows(lumaTo, luma, luma.rows, luma.columns);
+  const bool stream = worthStreaming(7 * luma.rows * luma.columns / 2);
+  copyRows(lumaTo, luma, luma.rows, luma.columns, stream);
 
   // The 4:2:2 chroma plane has luma's geometry, only elsewhere.
   const Region chroma = chromaRegion(src);
   Region to = lumaTo;
   to.origin += dst.uvOffset;
   ExpandRow* const expand = expandRowKernel(swap, 2 * chroma.columns);
-  const bool stream = worthStreaming(7 * luma.rows * luma.columns / 2);
   for (size_t k = 0; k < chroma.rows; ++k) {
     const uint8_t* row = chroma.row(k);
     const uint8_t* next = k + 1 < chroma.rows ? chroma.row(k + 1) : row;

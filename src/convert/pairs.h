@@ -7,15 +7,15 @@
 
 namespace zelm {
 
-// Interleaves two rows of bytes into pairs, and takes pairs apart. With `stream` they
-// store past the caches, which simd/streaming.h explains.
+// With `stream` these store past the caches, which simd/streaming.h explains.
+// Interleaves two rows of bytes into pairs, and takes pairs apart.
 using JoinPairsRow = void(uint8_t* to, const uint8_t* first, const uint8_t* second,
                           size_t pairs, bool stream);
 using SplitPairsRow = void(uint8_t* first, uint8_t* second, const uint8_t* from,
                            size_t pairs, bool stream);
 
 // Exchanges the bytes of each pair. The rows do not overlap, and `bytes` is even.
-using SwapPairsRow = void(uint8_t* to, const uint8_t* from, size_t bytes);
+using SwapPairsRow = void(uint8_t* to, const uint8_t* from, size_t bytes, bool stream);
 
 // Return the kernel for rows of so many pairs, or bytes.
 JoinPairsRow* joinPairsKernel(size_t pairs);

@@ -57,9 +57,9 @@ zelm::JoinPairsRow* zelm::joinPairsKernel(size_t pairs) {
 extern "C" void convYUV420P_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   using namespace zelm;
   const size_t luma = static_cast<size_t>(src->height) * src->width;
-  copyBytes(dst->data, src->data, luma);
-  const uint8_t* first = src->data + src->uvOffset;
   const bool stream = worthStreaming(3 * luma);
+  copyBytes(dst->data, src->data, luma, stream);
+  const uint8_t* first = src->data + src->uvOffset;
   joinPairsKernel(luma / 4)(dst->data + dst->uvOffset, first, first + luma / 4,
                             luma / 4, stream);
   if (stream) finishStreaming();

@@ -21,6 +21,7 @@
 #include "convert/rgb565_in_x86-inl.h"
 #include "plane.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -48,24 +49,26 @@ uint8_t centred(int c) {
                                      : 128 - ((-c + 2048) >> 14));
 }
 
+template <bool kStream>
 void rgb565LumaRow(uint8_t* luma, const uint8_t* from, size_t pixels) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = inBlocks(pixels, kBytes, [&](size_t x) HWY_ATTR {
-    putLuma(luma + x, load565(from + 2 * x), load565(from + 2 * x + kBytes));
+    putLuma<kStream>(luma + x, load565(from + 2 * x), load565(from + 2 * x + kBytes));
   });
 #endif
   for (size_t x = done; x < pixels; ++x) luma[x] = lumaOf(unpack565(from + 2 * x));
 }
 
 // An odd last pixel forms a pair with itself, whose second luma is not stored here.
+template <bool kStream>
 void rgb565Row(uint8_t* luma, uint8_t* chroma, const uint8_t* from, size_t pixels) {
   size_t done = 0;
 #if ZELM_VECTORS
   done = 2 * inBlocks(pixels / 2, kBytes / 2, [&](size_t j) HWY_ATTR {
            const RgbLanes a = load565(from + 4 * j), b = load565(from + 4 * j + kBytes);
-           putLuma(luma + 2 * j, a, b);
-           putChroma(chroma + 2 * j, a, b);
+           putLuma<kStream>(luma + 2 * j, a, b);
+           putChroma<kStream>(chroma + 2 * j, a, b);
          });
 #endif
   for (size_t x = done; x < pixels; ++x) {
@@ -89,8 +92,11 @@ extern "C" void convRGB565_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
   const Region from = packedRegion(*src, 2);
   const Region luma = lumaRegion(*dst), chroma = chromaRegionBehindLuma(*dst);
   const size_t pixels = from.columns;
-  const auto convertRow = ZELM_KERNEL_FOR(rgb565Row, pixels);
-  const auto convertLumaRow = ZELM_KERNEL_FOR(rgb565LumaRow, pixels);
+  const bool stream = worthStreaming(7 * from.rows * pixels / 2);
+  const auto convertRow = stream ? ZELM_KERNEL_FOR(rgb565Row<true>, pixels)
+                                 : ZELM_KERNEL_FOR(rgb565Row<false>, pixels);
+  const auto convertLumaRow = stream ? ZELM_KERNEL_FOR(rgb565LumaRow<true>, pixels)
+                                     : ZELM_KERNEL_FOR(rgb565LumaRow<false>, pixels);
   for (size_t y = 0; y < from.rows; ++y) {
     if (y % 2 == 0) {
       convertRow(luma.row(y), chroma.row(y / 2), from.row(y), pixels);
@@ -100,5 +106,6 @@ extern "C" void convRGB565_YUV420SPVU(ImageStruct* dst, ImageStruct* src) {
     // An odd last column is written twice.
     if (pixels % 2 != 0) luma.row(y)[pixels] = luma.row(y)[pixels - 1];
   }
+  if (stream) finishStreaming();
 }
 #endif  // HWY_ONCE

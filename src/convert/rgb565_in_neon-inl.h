@@ -49,12 +49,14 @@ HWY_INLINE uint8x8_t centred(int16x8_t high, int16x8_t low) {
       vshrn_n_s16(vaddq_s16(sum, vandq_s16(negative, vdupq_n_s16(48))), 6));
 }
 
+template <bool kStream>
 HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
   vst1_u8(luma, lumaOf(a));
   vst1_u8(luma + 8, lumaOf(b));
 }
 
 // Stores the chroma of the first pixel of each two.
+template <bool kStream>
 HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
   const uint8x8_t red = vuzp_u8(a.r, b.r).val[0], green = vuzp_u8(a.g, b.g).val[0];
   const uint8x8_t blue = vuzp_u8(a.b, b.b).val[0];

@@ -68,12 +68,15 @@ HWY_INLINE Vec<I16> chromaOf(const RgbLanes& c) {
   return hn::ShiftRight<6>(hn::Add(sum, more));
 }
 
+// Only with AVX2 stores past the caches were seen to gain.
+template <bool kStream>
 HWY_INLINE void putLuma(uint8_t* luma, const RgbLanes& a, const RgbLanes& b) {
-  store(pack(lumaOf(a), lumaOf(b)), luma);
+  store<kStream && ZELM_IS_AVX2>(pack(lumaOf(a), lumaOf(b)), luma);
 }
+template <bool kStream>
 HWY_INLINE void putChroma(uint8_t* chroma, const RgbLanes& a, const RgbLanes& b) {
   const Vec<U8> pairs = asU8(packSignedInBlocks(chromaOf(a), chromaOf(b)));
-  store(joinBlocks(hn::Xor(pairs, hn::Set(u8, 128))), chroma);
+  store<kStream && ZELM_IS_AVX2>(joinBlocks(hn::Xor(pairs, hn::Set(u8, 128))), chroma);
 }
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE

@@ -17,11 +17,12 @@ namespace zelm::HWY_NAMESPACE {
 namespace {
 
 #if ZELM_VECTORS && !ZELM_NEON
+template <bool kStream>
 HWY_INLINE size_t swapPairsInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
   return inBlocks(bytes, 2 * kBytes, [&](size_t i) HWY_ATTR {
     const Vec<U8> a = swapPairs(load(from + i)), b = swapPairs(load(from + i + kBytes));
-    store(a, to + i);
-    store(b, to + i + kBytes);
+    store<kStream>(a, to + i);
+    store<kStream>(b, to + i + kBytes);
   });
 }
 
@@ -36,15 +37,19 @@ HWY_INLINE size_t splitPairsInBlocks(uint8_t* first, uint8_t* second,
 }
 #endif
 
-void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes) {
+template <bool kStream>
+HWY_INLINE void swapBytesOfPairs(uint8_t* to, const uint8_t* from, size_t bytes) {
   size_t done = 0;
 #if ZELM_VECTORS
-  done = swapPairsInBlocks(to, from, bytes);
+  done = swapPairsInBlocks<kStream>(to, from, bytes);
 #endif
   for (size_t i = done; i < bytes; i += 2) {
     to[i] = from[i + 1];
     to[i + 1] = from[i];
   }
+}
+void swapPairsRow(uint8_t* to, const uint8_t* from, size_t bytes, bool stream) {
+  (stream ? swapBytesOfPairs<true> : swapBytesOfPairs<false>)(to, from, bytes);
 }
 
 template <bool kStream>
@@ -80,10 +85,12 @@ SwapPairsRow* swapPairsKernel(size_t bytes) {
 
 static size_t roundUpTo16(size_t value) { return (value + 15) / 16 * 16; }
 
-static void swapPlane(const Region& to, const Region& from) {
+static void swapPlane(const Region& to, const Region& from, bool stream) {
   const RowSpan span = joinRows(to, from, from.rows, 2 * to.columns);
   SwapPairsRow* const swapRow = swapPairsKernel(span.bytes);
-  for (size_t k = 0; k < span.rows; ++k) swapRow(to.row(k), from.row(k), span.bytes);
+  for (size_t k = 0; k < span.rows; ++k) {
+    swapRow(to.row(k), from.row(k), span.bytes, stream);
+  }
 }
 
 // Splits whole frames. The chroma rows of the planar side are padded to multiples of 16
@@ -92,13 +99,13 @@ static void splitFrame(const ImageStruct& dst, const ImageStruct& src) {
   const size_t height = dst.height, pairs = dst.width / 2, rows = height / 2;
   const size_t lumaStride = roundUpTo16(dst.width);
   const size_t chromaStride = roundUpTo16(lumaStride / 2);
-  copyBytes(dst.data, src.data, static_cast<size_t>(src.height) * src.width);
+  const bool stream = worthStreaming(3 * height * dst.width);
+  copyBytes(dst.data, src.data, static_cast<size_t>(src.height) * src.width, stream);
 
   SplitPairsRow* const splitRow = splitPairsKernel(pairs);
   uint8_t* first = dst.data + height * lumaStride;
   uint8_t* second = first + height * chromaStride / 2;
   const uint8_t* from = src.data + src.uvOffset;
-  const bool stream = worthStreaming(3 * height * dst.width);
   if (chromaStride == pairs) {
     splitRow(first, second, from, rows * pairs, stream);
   } else {
@@ -117,20 +124,25 @@ extern "C" void convYUV420SP_YUV420SP(ImageStruct* dst, ImageStruct* src) {
   const Region luma = lumaRegion(*src), chroma = chromaRegion(*src);
   const Region lumaTo = lumaRegion(*dst), chromaTo = chromaRegion(*dst);
   const size_t bytes = dst->roiWidth;
+  const bool stream = worthStreaming(2 * (luma.rows + chroma.rows) * bytes);
   // Planes that follow each other on both sides are one plane.
   if (chroma.origin == luma.row(luma.rows) &&
       chromaTo.origin == lumaTo.row(luma.rows)) {
-    copyRows(lumaTo, luma, luma.rows + chroma.rows, bytes);
-    return;
+    copyRows(lumaTo, luma, luma.rows + chroma.rows, bytes, stream);
+  } else {
+    copyRows(lumaTo, luma, luma.rows, bytes, stream);
+    copyRows(chromaTo, chroma, chroma.rows, bytes, stream);
   }
-  copyRows(lumaTo, luma, luma.rows, bytes);
-  copyRows(chromaTo, chroma, chroma.rows, bytes);
+  if (stream) finishStreaming();
 }
 
 extern "C" void convYUV420SP_VU2UV(ImageStruct* dst, ImageStruct* src) {
-  const zelm::Region luma = zelm::lumaRegion(*src);
-  zelm::copyRows(zelm::lumaRegion(*dst), luma, luma.rows, dst->roiWidth);
-  zelm::swapPlane(zelm::chromaRegion(*dst), zelm::chromaRegion(*src));
+  using namespace zelm;
+  const Region luma = lumaRegion(*src);
+  const bool stream = worthStreaming(3 * luma.rows * luma.columns);
+  copyRows(lumaRegion(*dst), luma, luma.rows, dst->roiWidth, stream);
+  swapPlane(chromaRegion(*dst), chromaRegion(*src), stream);
+  if (stream) finishStreaming();
 }
 
 extern "C" void convYUV420SP_YUV420P(ImageStruct* dst, ImageStruct* src) {

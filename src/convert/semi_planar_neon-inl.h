@@ -8,6 +8,7 @@ HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
 
+template <bool kStream>
 HWY_INLINE size_t swapPairsInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
   return inMovingBlocks(
       bytes, 128,

@@ -58,7 +58,7 @@ struct RgbKernels {
 // The kernels for rows of so many pixels, of 2 to 4 bytes.
 RgbKernels rgbKernels(size_t pixelBytes, bool isBt601Full, size_t pixels);
 
-// How many chroma rows an image has, and how many luma rows each of them serves.
+// How many chroma rows an image has, and how many luma rows each of them serves: 1 or 2.
 struct ChromaSharing {
   size_t rows;
   size_t shared;
@@ -108,7 +108,7 @@ class RgbRows {
   // An upper luma row takes V from the chroma row above as well, a lower one U from the
   // one below. The first and the last chroma row stand alone.
   static Seen seenBy(size_t y, const ChromaSharing& chroma) {
-    const size_t k = y / chroma.shared;
+    const size_t k = chroma.shared == 1 ? y : y / 2;
     if (chroma.shared == 1 || k == 0 || k + 1 >= chroma.rows) return {k, k};
     return {k, y % 2 == 0 ? k - 1 : k + 1};
   }

@@ -207,9 +207,10 @@ HWY_INLINE bool convertTwo(const TwoRows& rows, size_t pixels, const YuvToRgb& c
         {rows.pairs[a], rows.pairs[b]}, rows.pairs[a], rows.pairs[b], pixels, colour,
         rows.uFirst, blueFirst);
   };
+  // Words do not gain: a step stores half a line of each row.
   const uintptr_t places =
       reinterpret_cast<uintptr_t>(rows.to[0]) | reinterpret_cast<uintptr_t>(rows.to[1]);
-  if (kIsBt601Full && rows.stream && places % kBytes == 0) {
+  if (kIsBt601Full && Format::kPixelBytes > 2 && rows.stream && places % kBytes == 0) {
     convert(std::true_type());
   } else {
     convert(std::false_type());

@@ -19,6 +19,9 @@ namespace {
 // A sample is kSample interleaved bytes, which are averaged separately. Three bytes do
 // not go evenly into a block, so that they are left to the plain loop.
 template <size_t kFactor, size_t kSample>
+#if ZELM_NEON
+[[gnu::noinline]]  // would share its registers with the loop over rows
+#endif
 void averageRow(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes,
                 [[maybe_unused]] const uint8_t* next) {
   size_t done = 0;
@@ -43,11 +46,22 @@ void averageRow(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes
   }
 }
 
-AverageRow* kernelOf(size_t factor, size_t sample) {
-  AverageRow* const by2[] = {averageRow<2, 1>, averageRow<2, 2>, averageRow<2, 3>,
-                             averageRow<2, 4>};
-  AverageRow* const by4[] = {averageRow<4, 1>, averageRow<4, 2>, averageRow<4, 3>,
-                             averageRow<4, 4>};
+template <size_t kFactor, size_t kSample>
+void averageRows(const Region& to, const Region& from) {
+  for (size_t y = 0; y < to.rows; ++y) {
+    const uint8_t* next = y + 1 < to.rows ? from.row(kFactor * (y + 1)) : nullptr;
+    averageRow<kFactor, kSample>(to.row(y), from.row(kFactor * y), from.stride,
+                                 to.columns * kSample, next);
+  }
+}
+
+using AverageRows = void(const Region& to, const Region& from);
+
+AverageRows* kernelOf(size_t factor, size_t sample) {
+  AverageRows* const by2[] = {averageRows<2, 1>, averageRows<2, 2>, averageRows<2, 3>,
+                              averageRows<2, 4>};
+  AverageRows* const by4[] = {averageRows<4, 1>, averageRows<4, 2>, averageRows<4, 3>,
+                              averageRows<4, 4>};
   return (factor == 2 ? by2 : by4)[sample - 1];
 }
 
@@ -58,18 +72,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zelm {
 
-AverageRow* averageKernel(size_t factor, size_t sample, size_t bytes) {
-  return ZELM_KERNEL_FOR(kernelOf, bytes)(factor, sample);
-}
-
-// The destination region sets the size of the work.
-static void averagePlane(const Region& to, const Region& from, size_t factor,
-                         size_t sample) {
-  AverageRow* const average = averageKernel(factor, sample, to.columns * sample);
-  for (size_t y = 0; y < to.rows; ++y) {
-    const uint8_t* next = y + 1 < to.rows ? from.row(factor * (y + 1)) : nullptr;
-    average(to.row(y), from.row(factor * y), from.stride, to.columns * sample, next);
-  }
+void averagePlane(const Region& to, const Region& from, size_t factor, size_t sample) {
+  ZELM_KERNEL_FOR(kernelOf, to.columns * sample)(factor, sample)(to, from);
 }
 
 static void averageFrame(const ImageStruct& dst, const ImageStruct& src,

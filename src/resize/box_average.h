@@ -1,21 +1,16 @@
-// Box averages: the kernels that reduce by 2 or 4.
+// Box averages: planes reduced by 2 or 4.
 #ifndef ZELM_SRC_RESIZE_BOX_AVERAGE_H_
 #define ZELM_SRC_RESIZE_BOX_AVERAGE_H_
 
 #include <cstddef>
-#include <cstdint>
+
+#include "plane.h"
 
 namespace zelm {
 
-// Makes a row of `bytes` bytes out of 2 or 4 rows from `from` on, which are twice or
-// four times as long. `next` is where the next row's sources begin, which are
-// prefetched, or null.
-using AverageRow = void(uint8_t* to, const uint8_t* from, ptrdiff_t stride,
-                        size_t bytes, const uint8_t* next);
-
-// Returns the kernel for a factor of 2 or 4, samples of 1 to 4 bytes, and destination
-// rows of so many bytes.
-AverageRow* averageKernel(size_t factor, size_t sample, size_t bytes);
+// Makes samples of 1 to 4 bytes, each of a block of 2 x 2 or 4 x 4 by the factor. The
+// destination sets the size of the work.
+void averagePlane(const Region& to, const Region& from, size_t factor, size_t sample);
 
 }  // namespace zelm
 

@@ -8,7 +8,7 @@ namespace zelm {
 
 // The prefetch stands behind the loads and stores: in front of them GCC for 32-bit Arm
 // keeps a second copy of both addresses.
-void copyBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
+void copyBytes(uint8_t* to, const uint8_t* from, size_t bytes, bool) {
   size_t left = bytes;
   for (; left >= 128; left -= 128) {
     for (int i = 0; i < 2; ++i) {

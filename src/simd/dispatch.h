@@ -29,10 +29,10 @@ inline InstructionSet instructionSetFor(size_t bytes) {
   return offered < fitting ? offered : fitting;
 }
 
-// Of the kernels of all sets, in their order, that of `set`.
-template <auto* kPlain, auto*... kOthers>
+// The table is made when the program is linked, not at each call.
+template <auto* plain, auto* sse4, auto* avx2, auto* avx512, auto* vbmi>
 auto* pickKernel(InstructionSet set) {
-  static constexpr decltype(kPlain) kKernels[] = {kPlain, kOthers...};
+  static constexpr decltype(plain) kKernels[] = {plain, sse4, avx2, avx512, vbmi};
   return kKernels[static_cast<int>(set)];
 }
 

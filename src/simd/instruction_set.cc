@@ -4,6 +4,10 @@
 
 namespace zelm {
 
-InstructionSet instructionSet() { return offeredInstructionSet(); }
+// Chosen when the library is loaded. Calls that come earlier run with plain code.
+static const InstructionSet chosen =
+    chooseInstructionSet(processorFeatures(), InstructionSet::kAvx512Vbmi);
+
+InstructionSet instructionSet() { return chosen; }
 
 }  // namespace zelm

@@ -25,9 +25,6 @@ ProcessorFeatures processorFeatures();
 InstructionSet chooseInstructionSet(const ProcessorFeatures& features,
                                     InstructionSet ceiling);
 
-// The highest set that this machine offers, which is found out once.
-InstructionSet offeredInstructionSet();
-
 // The set that every call runs with: the highest one that this machine offers. The
 // answer never changes while a process runs.
 InstructionSet instructionSet();

@@ -1,8 +1,6 @@
 // What the processor offers, and the instruction set that follows from it.
 #include "simd/instruction_set.h"
 
-#include <atomic>
-
 namespace zelm {
 
 ProcessorFeatures processorFeatures() {
@@ -26,18 +24,6 @@ InstructionSet chooseInstructionSet(const ProcessorFeatures& features,
   while (best < 4 && offered[best]) ++best;
   const InstructionSet highest = static_cast<InstructionSet>(best);
   return highest < ceiling ? highest : ceiling;
-}
-
-// Of threads that come first at the same time each finds the same.
-InstructionSet offeredInstructionSet() {
-  static std::atomic<int> known{-1};
-  int set = known.load(std::memory_order_relaxed);
-  if (set < 0) {
-    set = static_cast<int>(
-        chooseInstructionSet(processorFeatures(), InstructionSet::kAvx512Vbmi));
-    known.store(set, std::memory_order_relaxed);
-  }
-  return static_cast<InstructionSet>(set);
 }
 
 }  // namespace zelm
