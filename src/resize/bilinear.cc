@@ -36,6 +36,7 @@
 #include "resize/bilinear_x86-inl.h"
 #if ZELM_IS_AVX2
 #include "resize/bilinear_avx2-inl.h"
+#include "resize/bilinear_quads_avx2-inl.h"
 #endif
 
 HWY_BEFORE_NAMESPACE();
@@ -108,6 +109,15 @@ struct Bilinear {
     Tap tap_[kStrip];
   };
 
+#if ZELM_IS_AVX2
+  using Reduced = QuadColumns<Bilinear>;
+  struct Source : RowPair {
+    HWY_INLINE void set(const Region& from, const RowTap& tap, const Source* before) {
+      setRows(from.row(tap.row[0]), from.row(tap.row[1]), before);
+      setWeight(tap.weight);
+    }
+  };
+#endif
 #if ZELM_VECTORS
   // When halving, left and right samples side by side are the bytes of the row in their
   // order, but for the few vectors in which a position moves on by 3 samples.
@@ -173,12 +183,7 @@ struct Bilinear {
     }
 
 #if ZELM_IS_AVX2
-    struct Source : RowPair {
-      HWY_INLINE void set(const Region& from, const RowTap& tap, const Source* before) {
-        setRows(from.row(tap.row[0]), from.row(tap.row[1]), before);
-        setWeight(tap.weight);
-      }
-    };
+    using Source = typename Bilinear::Source;
     HWY_INLINE void makeDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
                                   size_t count) const {
       const size_t vectors = vectorsFor(this->bytes_);

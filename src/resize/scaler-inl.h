@@ -24,7 +24,9 @@
 // With AVX2 tables may be filled group by group, unit.setGroup(group, taps, byte,
 // rowBytes), if kGroupTaps, and strips be made vector by vector down the rows,
 // makeDownwards(to, stride, rows, count), if kDownwards. Rows are then of the type
-// Source, whose set(from, tap, before) is told of the row before or null.
+// Source, whose set(from, tap, before) is told of the row before or null. Columns
+// M::Reduced, for which kTaps is 2, are made in this way only, of source rows, and
+// preferred where they suit(axis).
 #if ZELM_VBMI || defined(ZELM_SRC_RESIZE_SCALER_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_SCALER_INL_H_
@@ -170,6 +172,17 @@ class Scaler {
     const size_t rowBytes = from_.columns * M::kSample;
     const size_t lastColumn = across_.before((inWhole + bytes - 1) / M::kSample);
     const size_t reach = (lastColumn + 1 + M::kTaps / 2) * M::kSample + 64;
+#if ZELM_IS_AVX2
+    if constexpr (M::kTaps == 2) {
+      using Columns = typename M::Reduced;
+      if (bytes >= kBytes && !keepsRows() && Columns::suit(across_)) {
+        makeDownwards(
+            Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach),
+            first, Columns::kRowsAtOnce);
+        return;
+      }
+    }
+#endif
     const size_t span = spanOf<M::kSample>(across_, kPieceBytes / M::kPicks, M::kTaps);
     if (bytes >= kBytes && rowBytes >= (kWindows ? 2 : 1) * kPieceBytes &&
         withPieces(span, [&](auto pieces) HWY_ATTR {
@@ -185,16 +198,18 @@ class Scaler {
   }
 
   // Where reducing leaves little of a filtered row to use again, none is kept.
+  bool keepsRows() const { return 2 * from_.rows < 3 * part_.wholeRows; }
+
   template <class Columns>
   HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
     if constexpr (kGroupsAtOnce && Columns::kDownwards) {
       if (goesDownwards()) {
-        makeDownwards(columns, first);
+        makeDownwards(columns, first, hasShortRows() ? 64 : 16);
         return;
       }
     }
     if constexpr (Columns::kDirect) {
-      if (!Columns::kKept || 2 * from_.rows >= 3 * part_.wholeRows) {
+      if (!Columns::kKept || !keepsRows()) {
         makeRows([&](size_t y) HWY_ATTR -> const uint8_t* { return from_.row(y); },
                  columns, first, bytes);
         return;
@@ -216,13 +231,12 @@ class Scaler {
   }
   bool hasShortRows() const { return from_.stride <= 1024 && from_.stride >= -1024; }
 
-  // Long rows are made few at a time: each lies on a page of its own, and many of them
-  // may share a place in the first-level cache.
+  // At most 64 rows at a time. Long rows are made fewer at a time: each lies on a page
+  // of its own, and many of them may share a place in the first-level cache.
   template <class Columns>
-  HWY_INLINE void makeDownwards(const Columns& columns, size_t first) const {
-    constexpr size_t kMost = 64;
-    typename Columns::Source rows[kMost];
-    const size_t most = hasShortRows() ? kMost : 16;
+  HWY_INLINE void makeDownwards(const Columns& columns, size_t first,
+                                size_t most) const {
+    typename Columns::Source rows[64];
     for (size_t y = 0; y < to_.rows; y += most) {
       const size_t count = to_.rows - y < most ? to_.rows - y : most;
       for (size_t i = 0; i < count; ++i) {
