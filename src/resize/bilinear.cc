@@ -186,12 +186,16 @@ struct Bilinear {
     using Source = typename Bilinear::Source;
     HWY_INLINE void makeDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
                                   size_t count) const {
-      const size_t vectors = vectorsFor(this->bytes_);
+      const size_t vectors = vectorsFor(this->bytes_) - this->endsInHalf_;
       for (size_t v = 0; v < vectors; ++v) {
         const HeldUnit<Unit<kPieces>> first(this->units_[2 * v]),
             second(this->units_[2 * v + 1]);
         blendDownwards(to + vectorStart(v, this->bytes_), stride, rows, count, first,
                        second);
+      }
+      if (this->endsInHalf_) {
+        const HeldUnit<Unit<kPieces>> last(this->units_[2 * vectors]);
+        blendHalfDownwards(to + this->bytes_ - kBytes / 2, stride, rows, count, last);
       }
     }
 #endif

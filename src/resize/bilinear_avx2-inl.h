@@ -91,6 +91,24 @@ HWY_INLINE void blendDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows
   }
 }
 
+// The same for half a vector of bytes, whose blocks lie side by side in one unit.
+template <class Source, class Unit>
+HWY_INLINE void blendHalfDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
+                                   size_t count, const Unit& unit) {
+  const hn::Full128<uint8_t> block;
+  PairedRows a;
+  a.set(hn::Zero(i16), hn::Zero(i16));
+  for (const Source* row = rows; row != rows + count; ++row) {
+    unit.move(&a, *row);
+    const Vec<I16> lanes = a.blend(hn::BitCast(i16, hn::Set(u32, row->weights)));
+    const auto bytes = _mm_packs_epi16(_mm256_castsi256_si128(lanes.raw),
+                                       _mm256_extracti128_si256(lanes.raw, 1));
+    hn::StoreU(hn::Xor(hn::VFromD<decltype(block)>{bytes}, hn::Set(block, 128)), block,
+               to);
+    to += stride;
+  }
+}
+
 }  // namespace
 }  // namespace zelm::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

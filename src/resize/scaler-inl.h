@@ -72,13 +72,20 @@ class GroupTaps;
 template <class M, class Unit>
 class UnitTables {
  public:
-  UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes)
-      : bytes_(bytes) {
+  UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes,
+             bool mayEndInHalf = false)
+      : bytes_(bytes),
+        endsInHalf_(mayEndInHalf && M::kPicks == 2 &&
+                    (bytes - 1) % kBytes < kBytes / 2) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;  // of a group
-    for (size_t u = 0; u < M::kPicks * vectorsFor(bytes); ++u) {
+    const size_t units = M::kPicks * vectorsFor(bytes) - endsInHalf_;
+    for (size_t u = 0; u < units; ++u) {
       const size_t start = first + vectorStart(u / M::kPicks, bytes);
       if constexpr (kGroupsAtOnce && M::kGroupTaps) {
-        setGroups(&units_[u], across, u % M::kPicks, start, rowBytes);
+        const bool half = endsInHalf_ && u + 1 == units;
+        setGroups(&units_[u], across,
+                  half ? first + bytes - kBytes / 2 : start + u % M::kPicks * kLanes,
+                  half ? kLanes : kPieceBytes, rowBytes);
         continue;
       }
       for (size_t lane = 0; lane < kGroups * kLanes; lane += kLanes) {
@@ -97,19 +104,18 @@ class UnitTables {
   }
 
  private:
-  static HWY_INLINE void setGroups(Unit* unit, const Axis& across, size_t half,
-                                   size_t start, size_t rowBytes) {
-    constexpr size_t kLanes = kPieceBytes / M::kPicks;
+  // The groups' bytes begin `apart` bytes from each other.
+  static HWY_INLINE void setGroups(Unit* unit, const Axis& across, size_t start,
+                                   size_t apart, size_t rowBytes) {
     const GroupTaps<M::kSample> taps(across);
     for (size_t group = 0; group < kGroups; ++group) {
-      const size_t lane = group * kLanes;
-      const size_t byte = M::kPicks == 1 ? lane : byteOfLane(half, lane);
-      unit->setGroup(group, taps, start + byte, rowBytes);
+      unit->setGroup(group, taps, start + group * apart, rowBytes);
     }
   }
 
  protected:
   size_t bytes_;
+  bool endsInHalf_;  // whether the last unit is of the last half vector of bytes
   Unit units_[M::kPicks * M::kStrip / kBytes];
 };
 #endif  // ZELM_VECTORS
@@ -188,7 +194,8 @@ class Scaler {
         withPieces(span, [&](auto pieces) HWY_ATTR {
           using Columns = typename M::template VectorColumns<pieces>;
           scaleStrip(
-              Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach),
+              Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach,
+                      kGroupsAtOnce && Columns::kDownwards && goesDownwards()),
               first, bytes);
         })) {
       return;
