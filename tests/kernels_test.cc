@@ -164,6 +164,42 @@ TEST(Scaling, PartsAreThoseOfTheWholePlane) {
   }
 }
 
+TEST(Scaling, RowsReducedByTwoToFour) {
+  // Positions that move on by two or three exactly, by a little more, and by almost
+  // four; rows of a vector, of a sample more, of so few more that no sample has a block
+  // of source before it, of whole vectors, and of more than one strip.
+  Random random(5);
+  for (size_t sample = 1; sample <= 4; ++sample) {
+    for (const size_t columns : {32, 33, 34, 39, 64, 65, 71, 96, 131, 2080}) {
+      for (const size_t from : {2 * columns - 1, 2 * columns, 3 * columns - 2,
+                                3 * columns, 4 * columns - 5}) {
+        PartTest test(methods[1], sample, {from, 11}, {columns, 5});
+        for (const Guard guard : {Guard::kBehind, Guard::kBefore}) {
+          test.check({0, columns}, {0, 5}, guard);
+          test.check(someOf(columns, &random), someOf(5, &random), guard);
+        }
+        if (testing::Test::HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
+TEST(Scaling, NarrowRowsThatEndInHalfAVector) {
+  // Rows of a vector and half of one, a byte less and a byte more; reduced by less than
+  // two, and enlarged.
+  Random random(6);
+  for (size_t sample = 1; sample <= 4; ++sample) {
+    for (const size_t columns : {32, 33, 47, 48, 49, 64, 80, 81, 240}) {
+      for (const size_t from : {columns * 4 / 3, columns * 2 / 3}) {
+        PartTest test(methods[1], sample, {from, 9}, {columns, 7});
+        test.check({0, columns}, {0, 7}, Guard::kBehind);
+        test.check(someOf(columns, &random), someOf(7, &random), Guard::kBefore);
+        if (testing::Test::HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
 // A buffer of random bytes that ends, or begins, at an inaccessible page.
 class Noise {
  public:

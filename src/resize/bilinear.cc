@@ -36,6 +36,7 @@
 #include "resize/bilinear_x86-inl.h"
 #if ZELM_IS_AVX2
 #include "resize/bilinear_avx2-inl.h"
+#include "resize/bilinear_quads_avx2-inl.h"
 #endif
 
 HWY_BEFORE_NAMESPACE();
@@ -108,6 +109,11 @@ struct Bilinear {
     Tap tap_[kStrip];
   };
 
+#if ZELM_IS_AVX2
+  using Reduced = QuadColumns<Bilinear>;
+  using SourceRows = RowPairs<RowTap>;
+#endif
+
 #if ZELM_VECTORS
   // When halving, left and right samples side by side are the bytes of the row in their
   // order, but for the few vectors in which a position moves on by 3 samples.
@@ -173,24 +179,19 @@ struct Bilinear {
     }
 
 #if ZELM_IS_AVX2
-    struct Source : RowPair {
-      HWY_INLINE void set(const Region& from, const RowTap& tap, const Source* before) {
-        setRows(from.row(tap.row[0]), from.row(tap.row[1]), before);
-        setWeight(tap.weight);
-      }
-    };
     HWY_INLINE void makeDownwards(const Region& to, const RowsDown& rows) const {
-      Source sources[RowsDown::kMost];
-      for (size_t y = 0; y < to.rows; ++y) {
-        sources[y].set(rows.from, RowTap(rows.down, rows.first + y),
-                       y == 0 ? nullptr : &sources[y - 1]);
-      }
-      const size_t vectors = vectorsFor(this->bytes_);
+      const SourceRows sources(to, rows);
+      const size_t vectors = vectorsFor(this->bytes_) - this->endsInHalf_;
       for (size_t v = 0; v < vectors; ++v) {
         const HeldUnit<Unit<kPieces>> first(this->units_[2 * v]),
             second(this->units_[2 * v + 1]);
         blendDownwards(to.origin + vectorStart(v, this->bytes_), to.stride, sources,
-                       to.rows, first, second);
+                       first, second);
+      }
+      if (this->endsInHalf_) {
+        const HeldUnit<Unit<kPieces>> last(this->units_[2 * vectors]);
+        blendHalfDownwards(to.origin + this->bytes_ - kBytes / 2, to.stride, sources,
+                           last);
       }
     }
 #endif

@@ -18,19 +18,33 @@ struct RowPair {
   const uint8_t *upper, *lower;
   enum { kSame, kNext, kOther } after;  // how they follow those of the row before
   uint32_t weights;                     // of the upper and the lower one, 16 bits each
+};
 
-  HWY_INLINE void setRows(const uint8_t* first, const uint8_t* second,
-                          const RowPair* before) {
-    upper = first;
-    lower = second;
-    after = before == nullptr                                   ? kOther
-            : first == before->upper && second == before->lower ? kSame
-            : first == before->lower                            ? kNext
-                                                                : kOther;
+// Those of some destination rows.
+template <class RowTap>
+class RowPairs {
+ public:
+  HWY_INLINE RowPairs(const Region& to, const RowsDown& rows) : end_(pairs_ + to.rows) {
+    const uint8_t *upper = nullptr, *lower = nullptr;
+    for (size_t y = 0; y < to.rows; ++y) {
+      const RowTap tap(rows.down, rows.first + y);
+      RowPair& pair = pairs_[y];
+      pair.upper = rows.from.row(tap.row[0]);
+      pair.lower = rows.from.row(tap.row[1]);
+      pair.after = pair.upper == upper && pair.lower == lower ? RowPair::kSame
+                   : pair.upper == lower                      ? RowPair::kNext
+                                                              : RowPair::kOther;
+      pair.weights = 256 - tap.weight + (tap.weight << 16);
+      upper = pair.upper;
+      lower = pair.lower;
+    }
   }
-  HWY_INLINE void setWeight(unsigned ofLower) {
-    weights = 256 - ofLower + (ofLower << 16);
-  }
+  const RowPair* begin() const { return pairs_; }
+  const RowPair* end() const { return end_; }
+
+ private:
+  RowPair pairs_[RowsDown::kMost];
+  const RowPair* end_;
 };
 
 // Filtered rows of a unit, one above the other in each pair of lanes.
@@ -75,18 +89,36 @@ class HeldUnit {
   Vec<U8> weights_;
 };
 
-template <class Source, class Unit>
-HWY_INLINE void blendDownwards(uint8_t* to, ptrdiff_t stride, const Source* rows,
-                               size_t count, const Unit& first, const Unit& second) {
+template <class Rows, class Unit>
+HWY_INLINE void blendDownwards(uint8_t* to, ptrdiff_t stride, const Rows& rows,
+                               const Unit& first, const Unit& second) {
   PairedRows a, b;
   a.set(hn::Zero(i16), hn::Zero(i16));
   b = a;
-  for (const Source* row = rows; row != rows + count; ++row) {
-    first.move(&a, *row);
-    second.move(&b, *row);
-    const Vec<I16> weights = hn::BitCast(i16, hn::Set(u32, row->weights));
+  for (const RowPair& row : rows) {
+    first.move(&a, row);
+    second.move(&b, row);
+    const Vec<I16> weights = hn::BitCast(i16, hn::Set(u32, row.weights));
     const Vec<U8> bytes = asU8(packSignedInBlocks(a.blend(weights), b.blend(weights)));
     store(hn::Xor(bytes, hn::Set(u8, 128)), to);
+    to += stride;
+  }
+}
+
+// The same for half a vector of bytes, whose blocks lie side by side in one unit.
+template <class Rows, class Unit>
+HWY_INLINE void blendHalfDownwards(uint8_t* to, ptrdiff_t stride, const Rows& rows,
+                                   const Unit& unit) {
+  const hn::Full128<uint8_t> block;
+  PairedRows a;
+  a.set(hn::Zero(i16), hn::Zero(i16));
+  for (const RowPair& row : rows) {
+    unit.move(&a, row);
+    const Vec<I16> lanes = a.blend(hn::BitCast(i16, hn::Set(u32, row.weights)));
+    const auto bytes = _mm_packs_epi16(_mm256_castsi256_si128(lanes.raw),
+                                       _mm256_extracti128_si256(lanes.raw, 1));
+    hn::StoreU(hn::Xor(hn::VFromD<decltype(block)>{bytes}, hn::Set(block, 128)), block,
+               to);
     to += stride;
   }
 }

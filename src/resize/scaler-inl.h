@@ -23,7 +23,8 @@
 //
 // With AVX2 tables may be filled group by group, unit.setGroup(group, taps, byte,
 // rowBytes), if kGroupTaps, and strips be made vector by vector down the rows,
-// makeDownwards(to, rows), if kDownwards.
+// makeDownwards(to, rows), if kDownwards. Columns M::Reduced, for which kTaps is 2, are
+// made in this way only, of source rows, and preferred where they suit(axis).
 #if ZELM_VBMI || defined(ZELM_SRC_RESIZE_SCALER_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #if !ZELM_VBMI
 #ifdef ZELM_SRC_RESIZE_SCALER_INL_H_
@@ -69,8 +70,11 @@ class GroupTaps;
 template <class M, class Unit>
 class UnitTables {
  public:
-  UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes)
-      : bytes_(bytes) {
+  UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes,
+             bool mayEndInHalf = false)
+      : bytes_(bytes),
+        endsInHalf_(mayEndInHalf && M::kPicks == 2 &&
+                    (bytes - 1) % kBytes < kBytes / 2) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;  // of a group
     if constexpr (kGroupsAtOnce && M::kGroupTaps) {
       setGroups(across, first, rowBytes);
@@ -97,18 +101,22 @@ class UnitTables {
   HWY_INLINE void setGroups(const Axis& across, size_t first, size_t rowBytes) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;
     const GroupTaps<M::kSample> taps(across);
-    for (size_t u = 0; u < M::kPicks * vectorsFor(bytes_); ++u) {
-      const size_t start = first + vectorStart(u / M::kPicks, bytes_);
+    const size_t units = M::kPicks * vectorsFor(bytes_) - endsInHalf_;
+    for (size_t u = 0; u < units; ++u) {
+      const bool half = endsInHalf_ && u + 1 == units;
+      const size_t start =
+          half ? bytes_ - kBytes / 2
+               : vectorStart(u / M::kPicks, bytes_) + u % M::kPicks * kLanes;
+      const size_t apart = half ? kLanes : kPieceBytes;  // groups of the row
       for (size_t group = 0; group < kGroups; ++group) {
-        const size_t lane = group * kLanes;
-        const size_t byte = M::kPicks == 1 ? lane : byteOfLane(u % M::kPicks, lane);
-        units_[u].setGroup(group, taps, start + byte, rowBytes);
+        units_[u].setGroup(group, taps, first + start + group * apart, rowBytes);
       }
     }
   }
 
  protected:
   size_t bytes_;
+  bool endsInHalf_;  // whether the last unit is of the last half vector of bytes
   Unit units_[M::kPicks * M::kStrip / kBytes];
 };
 #endif  // ZELM_VECTORS
@@ -192,12 +200,24 @@ class Scaler {
     const size_t rowBytes = from_.columns * M::kSample;
     const size_t lastColumn = across_.before((inWhole + bytes - 1) / M::kSample);
     const size_t reach = (lastColumn + 1 + M::kTaps / 2) * M::kSample + 64;
+#if ZELM_IS_AVX2
+    if constexpr (M::kTaps == 2) {
+      using Columns = typename M::Reduced;
+      if (bytes >= kBytes && !keepsRows() && Columns::suit(across_)) {
+        makeDownwards(
+            Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach),
+            first, Columns::kRowsAtOnce);
+        return;
+      }
+    }
+#endif
     const size_t span = spanOf<M::kSample>(across_, kPieceBytes / M::kPicks, M::kTaps);
     if (bytes >= kBytes && rowBytes >= (kWindows ? 2 : 1) * kPieceBytes &&
         withPieces(span, [&](auto pieces) HWY_ATTR {
           using Columns = typename M::template VectorColumns<pieces>;
           scaleStrip(
-              Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach),
+              Columns(across_, inWhole, bytes, rowBytes < reach ? rowBytes : reach,
+                      kGroupsAtOnce && Columns::kDownwards && goesDownwards()),
               first, bytes);
         })) {
       return;
@@ -207,16 +227,18 @@ class Scaler {
   }
 
   // Where reducing leaves little of a filtered row to use again, none is kept.
+  bool keepsRows() const { return 2 * from_.rows < 3 * part_.wholeRows; }
+
   template <class Columns>
   HWY_INLINE void scaleStrip(const Columns& columns, size_t first, size_t bytes) const {
     if constexpr (kGroupsAtOnce && Columns::kDownwards) {
       if (goesDownwards()) {
-        makeDownwards(columns, first);
+        makeDownwards(columns, first, hasShortRows() ? RowsDown::kMost : 16);
         return;
       }
     }
     if constexpr (Columns::kDirect) {
-      if (!Columns::kKept || 2 * from_.rows >= 3 * part_.wholeRows) {
+      if (!Columns::kKept || !keepsRows()) {
         makeRows([&](size_t y) HWY_ATTR -> const uint8_t* { return from_.row(y); },
                  columns, first, bytes);
         return;
@@ -238,11 +260,11 @@ class Scaler {
   }
   bool hasShortRows() const { return from_.stride <= 1024 && from_.stride >= -1024; }
 
-  // Long rows are made few at a time: each lies on a page of its own, and many of them
-  // may share a place in the first-level cache.
+  // At most 64 rows at a time. Long rows are made fewer at a time: each lies on a page
+  // of its own, and many of them may share a place in the first-level cache.
   template <class Columns>
-  HWY_INLINE void makeDownwards(const Columns& columns, size_t first) const {
-    const size_t most = hasShortRows() ? RowsDown::kMost : 16;
+  HWY_INLINE void makeDownwards(const Columns& columns, size_t first,
+                                size_t most) const {
     for (size_t y = 0; y < to_.rows; y += most) {
       const Region to = {to_.row(y) + first, to_.stride, to_.columns,
                          to_.rows - y < most ? to_.rows - y : most};
