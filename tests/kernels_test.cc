@@ -186,15 +186,17 @@ TEST(Scaling, RowsReducedByTwoToFour) {
 
 TEST(Scaling, NarrowRowsThatEndInHalfAVector) {
   // Rows of a vector and half of one, a byte less and a byte more; reduced by less than
-  // two, and enlarged.
+  // two and by more, and enlarged.
   Random random(6);
   for (size_t sample = 1; sample <= 4; ++sample) {
     for (const size_t columns : {32, 33, 47, 48, 49, 64, 80, 81, 240}) {
-      for (const size_t from : {columns * 4 / 3, columns * 2 / 3}) {
-        PartTest test(methods[1], sample, {from, 9}, {columns, 7});
-        test.check({0, columns}, {0, 7}, Guard::kBehind);
-        test.check(someOf(columns, &random), someOf(7, &random), Guard::kBefore);
-        if (testing::Test::HasFatalFailure()) return;
+      for (const size_t from : {columns * 4 / 3, columns * 5 / 2, columns * 2 / 3}) {
+        for (const Method& method : {methods[0], methods[1]}) {
+          PartTest test(method, sample, {from, 9}, {columns, 7});
+          test.check({0, columns}, {0, 7}, Guard::kBehind);
+          test.check(someOf(columns, &random), someOf(7, &random), Guard::kBefore);
+          if (testing::Test::HasFatalFailure()) return;
+        }
       }
     }
   }

@@ -9,6 +9,10 @@
 #include "simd/dispatch.h"
 #include "simd/vector-inl.h"
 
+#if ZELM_IS_AVX2
+#include "resize/nearest_avx2-inl.h"  // after the headers that it uses
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace zelm::HWY_NAMESPACE {
 namespace {
@@ -77,33 +81,11 @@ struct Nearest {
     using UnitTables<Nearest, Unit<kPieces>>::UnitTables;
     static constexpr bool kDirect = true, kKept = false, kDownwards = true;
 
-    // Every row comes from another one, as only frames that are reduced are made down
-    // the rows. Rows of small frames are made two vectors at a time. Long rows would
-    // push each other out of the first-level cache.
+#if ZELM_IS_AVX2
     HWY_INLINE void makeDownwards(const Region& to, const RowsDown& rows) const {
-      using Held = typename Picks<kPieces>::Held;
-      const size_t vectors = vectorsFor(this->bytes_);
-      size_t v = 0;
-      for (; vectors <= 16 && v + 2 <= vectors; v += 2) {
-        const Held left(this->units_[v]), right(this->units_[v + 1]);
-        const size_t toLeft = vectorStart(v, this->bytes_);
-        const size_t toRight = vectorStart(v + 1, this->bytes_);
-        rows.eachNearest(to, [&](uint8_t* row, const uint8_t* from) HWY_ATTR {
-          store(left.pick(from), row + toLeft);
-          store(right.pick(from), row + toRight);
-        });
-      }
-      for (; v < vectors; ++v) {
-        const Held held(this->units_[v]);
-        const size_t start = vectorStart(v, this->bytes_);
-        const size_t ahead =
-            this->units_[v + 3 < vectors ? v + 3 : vectors - 1].start();
-        rows.eachNearest(to, [&](uint8_t* row, const uint8_t* from) HWY_ATTR {
-          __builtin_prefetch(from + ahead);
-          store(held.pick(from), row + start);
-        });
-      }
+      pickDownwards(to, rows, this->units_, this->bytes_, this->endsInHalf_);
     }
+#endif
 
     HWY_INLINE void makeRow(uint8_t* to, const uint8_t* const (&rows)[1], const RowTap&,
                             const uint8_t* const* next) const {

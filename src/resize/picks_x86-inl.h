@@ -72,6 +72,17 @@ class Picks : public PickTable<kPieces, kPieces> {
     HWY_INLINE Vec<U8> pick(const uint8_t* row) const {
       return Picks::pick(row, starts_, [&](size_t p) HWY_ATTR { return index_[p]; });
     }
+    // The first block alone.
+    HWY_INLINE hn::VFromD<Block> pickBlock(const uint8_t* row) const {
+      const Block block;
+      auto result = hn::Zero(block);
+      for (size_t p = 0; p < kPieces; ++p) {
+        const auto piece = hn::LoadU(block, row + starts_[p][0]);
+        result =
+            hn::Or(result, hn::TableLookupBytesOr0(piece, hn::LowerHalf(index_[p])));
+      }
+      return result;
+    }
 
    private:
     Vec<U8> index_[kPieces];

@@ -72,9 +72,7 @@ class UnitTables {
  public:
   UnitTables(const Axis& across, size_t first, size_t bytes, size_t rowBytes,
              bool mayEndInHalf = false)
-      : bytes_(bytes),
-        endsInHalf_(mayEndInHalf && M::kPicks == 2 &&
-                    (bytes - 1) % kBytes < kBytes / 2) {
+      : bytes_(bytes), endsInHalf_(mayEndInHalf && (bytes - 1) % kBytes < kBytes / 2) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;  // of a group
     if constexpr (kGroupsAtOnce && M::kGroupTaps) {
       setGroups(across, first, rowBytes);
@@ -101,16 +99,24 @@ class UnitTables {
   HWY_INLINE void setGroups(const Axis& across, size_t first, size_t rowBytes) {
     constexpr size_t kLanes = kPieceBytes / M::kPicks;
     const GroupTaps<M::kSample> taps(across);
-    const size_t units = M::kPicks * vectorsFor(bytes_) - endsInHalf_;
+    const size_t units = M::kPicks * (vectorsFor(bytes_) - endsInHalf_);
     for (size_t u = 0; u < units; ++u) {
-      const bool half = endsInHalf_ && u + 1 == units;
-      const size_t start =
-          half ? bytes_ - kBytes / 2
-               : vectorStart(u / M::kPicks, bytes_) + u % M::kPicks * kLanes;
-      const size_t apart = half ? kLanes : kPieceBytes;  // groups of the row
-      for (size_t group = 0; group < kGroups; ++group) {
-        units_[u].setGroup(group, taps, first + start + group * apart, rowBytes);
-      }
+      setUnit(u, taps,
+              first + vectorStart(u / M::kPicks, bytes_) + u % M::kPicks * kLanes,
+              kGroups, kPieceBytes, rowBytes);
+    }
+    // Half a vector takes one unit, or the first group of one.
+    if (endsInHalf_) {
+      setUnit(units, taps, first + bytes_ - kBytes / 2, M::kPicks * kGroups / 2, kLanes,
+              rowBytes);
+    }
+  }
+
+  template <class Taps>
+  HWY_INLINE void setUnit(size_t u, const Taps& taps, size_t start, size_t groups,
+                          size_t apart, size_t rowBytes) {
+    for (size_t group = 0; group < groups; ++group) {
+      units_[u].setGroup(group, taps, start + group * apart, rowBytes);
     }
   }
 
