@@ -47,7 +47,8 @@ void averageRow(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes
 }
 
 template <size_t kFactor, size_t kSample>
-void averageRows(const Region& to, const Region& from) {
+void averageRows(const Region& toRows, const Region& fromRows) {
+  const Region to = toRows, from = fromRows;  // which no store can change
   for (size_t y = 0; y < to.rows; ++y) {
     const uint8_t* next = y + 1 < to.rows ? from.row(kFactor * (y + 1)) : nullptr;
     averageRow<kFactor, kSample>(to.row(y), from.row(kFactor * y), from.stride,
