@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <vector>
 
 #include "comparison.h"
@@ -300,6 +301,18 @@ TEST(Turns, ReverseRowsOfSamples) {
       }
     }
   }
+}
+
+// A plane in one row that no cache holds, whose lines begin and end elsewhere.
+TEST(Turns, ReverseWhatNoCacheHolds) {
+  Random random(8);
+  Noise from, to;
+  const size_t bytes = (size_t{8} << 20) + 37;
+  const uint8_t* source = from.place(bytes, Guard::kBefore, &random);
+  uint8_t* made = to.place(bytes, Guard::kBehind, &random);
+  reverseKernel(1)(made, source, bytes);
+  EXPECT_TRUE(
+      std::equal(made, made + bytes, std::make_reverse_iterator(source + bytes)));
 }
 
 // ------------------------------------------------------------------------- copies

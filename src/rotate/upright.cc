@@ -7,6 +7,7 @@
 #include "rotate/turn.h"
 #include "rotate/upright_neon-inl.h"
 #include "simd/dispatch.h"
+#include "simd/streaming.h"
 #include "simd/vector-inl.h"
 #include "zelm_imageutil.h"
 
@@ -30,11 +31,16 @@ struct Backwards {
 };
 
 template <size_t kSample, class D>
-HWY_INLINE void reverseBlock(D d, uint8_t* to, const uint8_t* from) {
+HWY_INLINE hn::VFromD<D> loadReversed(D d, const uint8_t* from) {
   static constexpr Backwards<kSample> kShuffle;
   auto v = hn::TableLookupBytes(hn::LoadU(d, from), hn::LoadDup128(d, kShuffle.order));
   if (MaxLanes(d) > 16) v = hn::ConcatLowerUpper(d, v, v);
-  hn::StoreU(v, d, to);
+  return v;
+}
+
+template <size_t kSample, class D>
+HWY_INLINE void reverseBlock(D d, uint8_t* to, const uint8_t* from) {
+  hn::StoreU(loadReversed<kSample>(d, from), d, to);
 }
 
 template <size_t kSample, class D>
@@ -50,6 +56,27 @@ HWY_INLINE size_t reverseBlocks(D d, uint8_t* to, const uint8_t* from, size_t by
   return done > 0 ? done : inBlocks(bytes, kBlock, reverse);
 }
 
+#if ZELM_IS_AVX2
+// Stores the lines of many bytes past the caches.
+HWY_INLINE size_t reverseLines(uint8_t* to, const uint8_t* from, size_t bytes) {
+  constexpr size_t kLine = 64, kAhead = 512;
+  size_t x = -reinterpret_cast<uintptr_t>(to) % kLine;
+  for (size_t i = 0; i < kLine; i += kBytes) {  // what lies before the first line
+    reverseBlock<1>(u8, to + i, from + bytes - kBytes - i);
+  }
+  for (; x + kLine <= bytes; x += kLine) {
+    const uint8_t* line = from + bytes - kLine - x;
+    __builtin_prefetch(line - (bytes - kLine - x < kAhead ? 0 : kAhead));
+    const Vec<U8> first = loadReversed<1>(u8, line + kBytes);
+    const Vec<U8> second = loadReversed<1>(u8, line);
+    hn::Stream(first, u8, to + x);
+    hn::Stream(second, u8, to + x + kBytes);
+  }
+  finishStreaming();
+  return x;
+}
+#endif
+
 template <size_t kSample>
 HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes) {
   const hn::Full128<uint8_t> block;
@@ -64,6 +91,9 @@ HWY_INLINE size_t reverseInBlocks(uint8_t* to, const uint8_t* from, size_t bytes
 #if ZELM_NEON
     if constexpr (kSample == 1) return reverseBytes(to, from, bytes);
 #else
+#if ZELM_IS_AVX2
+    if (kSample == 1 && worthStreaming(2 * bytes)) return reverseLines(to, from, bytes);
+#endif
     // Wider blocks that are read downwards are slower, until rows outgrow the first two
     // levels of cache.
     if (bytes >= size_t{3} << 20) {
@@ -103,8 +133,11 @@ zelm::ReverseRow* zelm::reverseKernel(size_t sample) {
 }
 
 extern "C" void rotate0_Y(ImageStruct* dst, ImageStruct* src) {
-  const zelm::Region from = zelm::lumaRegion(*src);
-  zelm::copyRows(zelm::lumaRegion(*dst), from, from.rows, from.columns);
+  using namespace zelm;
+  const Region from = lumaRegion(*src);
+  const bool stream = worthStreaming(2 * from.rows * from.columns);
+  copyRows(lumaRegion(*dst), from, from.rows, from.columns, stream);
+  if (stream) finishStreaming();
 }
 
 extern "C" void rotate180_Y(ImageStruct* dst, ImageStruct* src) {

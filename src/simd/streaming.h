@@ -16,7 +16,7 @@ namespace zelm {
 // Tells whether it is worth it for a stage that reads and writes so many bytes in all.
 inline bool worthStreaming([[maybe_unused]] size_t bytes) {
 #if ZELM_HIGHWAY && defined(__x86_64__)
-  return bytes >= size_t{20} << 20;  // from measurements with 32 MiB of shared cache
+  return bytes >= size_t{15} << 20;  // from measurements with 32 MiB of shared cache
 #else
   return false;
 #endif
