@@ -49,10 +49,17 @@ void averageRow(uint8_t* to, const uint8_t* from, ptrdiff_t stride, size_t bytes
 template <size_t kFactor, size_t kSample>
 void averageRows(const Region& toRows, const Region& fromRows) {
   const Region to = toRows, from = fromRows;  // which no store can change
+  const ptrdiff_t step = static_cast<ptrdiff_t>(kFactor) * from.stride;
+  // What rows of small frames need next is near already.
+  const bool prefetches = from.stride >= 512 || from.stride <= -512;
+  ptrdiff_t source = 0, row = 0;
   for (size_t y = 0; y < to.rows; ++y) {
-    const uint8_t* next = y + 1 < to.rows ? from.row(kFactor * (y + 1)) : nullptr;
-    averageRow<kFactor, kSample>(to.row(y), from.row(kFactor * y), from.stride,
-                                 to.columns * kSample, next);
+    const bool hasNext = prefetches && y + 1 < to.rows;
+    averageRow<kFactor, kSample>(to.origin + row, from.origin + source, from.stride,
+                                 to.columns * kSample,
+                                 hasNext ? from.origin + source + step : nullptr);
+    source += step;
+    row += to.stride;
   }
 }
 
