@@ -58,7 +58,8 @@ struct RgbKernels {
 // The kernels for rows of so many pixels, of 2 to 4 bytes.
 RgbKernels rgbKernels(size_t pixelBytes, bool isBt601Full, size_t pixels);
 
-// How many chroma rows an image has, and how many luma rows each of them serves: 1 or 2.
+// How many chroma rows an image has, and how many luma rows each of them serves, which
+// is 1 or 2.
 struct ChromaSharing {
   size_t rows;
   size_t shared;
